@@ -1,0 +1,73 @@
+#include "CaptureDecoder.h"
+
+#include "platform/ProgramError.h"
+#include "protocol/CorvaneUSWSupport.h"
+#include "protocol/FrameSync.h"
+
+using namespace CorvaneUSWSupport;
+
+CaptureDecoder::CaptureDecoder(MeasurementSystem system, const Clock &clock, LineSink records,
+                               LineSink problems)
+    : m_parser(system, clock)
+    , m_records(std::move(records))
+    , m_problems(std::move(problems))
+{
+}
+
+QString CaptureDecoder::headerLine() const
+{
+    return CorvaneFUN26::HeaderRecord(m_language);
+}
+
+void CaptureDecoder::feed(QByteArrayView piece)
+{
+    AppendBytes(m_buffer, piece);
+    drain();
+}
+
+void CaptureDecoder::drain()
+{
+    for (;;) {
+        const qint32 before = ByteCount(m_buffer);
+        const qsizetype lead = FrameSync::firstFrameStart(m_buffer.view());
+        m_buffer.removeLeading(lead);
+        m_offset += lead;
+        try {
+            const std::optional<CorvaneFUN26> record = m_parser.GetFunction(m_buffer);
+            m_offset += before - lead - ByteCount(m_buffer);
+            if (!record)
+                return;
+            ++m_recordCount;
+            m_records(record->Record(m_format));
+        } catch (const ProgramError &error) {
+            report(QStringLiteral("bad frame at byte %1: %2 (%3)")
+                       .arg(m_offset)
+                       .arg(error.description(), error.source()));
+            m_offset += FrameSync::dropBadFrameStart(m_buffer);
+        }
+    }
+}
+
+void CaptureDecoder::finish()
+{
+    // One padding byte satisfies the parser's rule that a byte must follow the ETX.
+    static constexpr char kPadding = 0;
+    AppendBytes(m_buffer, QByteArrayView(&kPadding, 1));
+    qint32 before = -1;
+    while (ByteCount(m_buffer) > 1 && ByteCount(m_buffer) != before) {
+        before = ByteCount(m_buffer);
+        drain();
+    }
+    const qsizetype tail = ByteCount(m_buffer) - 1;
+    if (tail > 0 && FrameSync::firstFrameStart(m_buffer.view()) < tail)
+        report(QStringLiteral("incomplete frame at byte %1: %2 bytes at the end of the input")
+                   .arg(m_offset)
+                   .arg(tail));
+    m_buffer.clear();
+}
+
+void CaptureDecoder::report(const QString &problem)
+{
+    ++m_problemCount;
+    m_problems(problem);
+}
