@@ -1,0 +1,215 @@
+#include "ManualClock.h"
+#include "RecordingErrorReport.h"
+
+#include "platform/ErrorPassing.h"
+#include "platform/LoggedErrorReport.h"
+#include "platform/MeasurementSystem.h"
+#include "platform/ProgramFiles.h"
+#include "platform/RegionalFormat.h"
+#include "platform/qlxLanguage.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+
+// The program's conventions: how failures travel and are reported, how captions are
+// translated, and the program-wide settings read at start.
+class TestConventions : public QObject
+{
+    Q_OBJECT
+
+private:
+    static void writeFile(const QString &path, const QByteArray &content)
+    {
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(content);
+    }
+
+private slots:
+    void failurePathNamesEveryProcedure()
+    {
+        try {
+            passOn("Outer.Call", [] {
+                passOn("Inner.Call", [] {
+                    throw ProgramError::raised(QStringLiteral("broken"), QStringLiteral("Inner.Call"));
+                });
+            });
+            QFAIL("the failure did not pass on");
+        } catch (const ProgramError &error) {
+            QCOMPARE(error.number(), qint32(-2147221504));
+            QCOMPARE(error.description(), QStringLiteral("broken"));
+            QCOMPARE(error.source(), QStringLiteral("Inner.Call < Outer.Call"));
+        }
+    }
+
+    void eventProcedureReportsAndCompletes()
+    {
+        RecordingErrorReport report;
+        bool after = false;
+        const bool completed = reportFailures(report, "dlgMain.mnuAdd_Click", [] {
+            passOn("dlgMain.AddConfiguration",
+                   [] { throw ProgramError::overflow(QStringLiteral("CorvaneUsw.Count")); });
+        });
+        after = true;
+        QVERIFY(!completed);
+        QVERIFY(after);
+        QCOMPARE(report.count(), 1);
+        QCOMPARE(report.last().location, QStringLiteral("dlgMain.mnuAdd_Click"));
+        QCOMPARE(report.last().number, ProgramError::kOverflow);
+        QCOMPARE(report.last().source, QStringLiteral("CorvaneUsw.Count < dlgMain.AddConfiguration"));
+
+        QVERIFY(reportFailures(report, "dlgMain.Quiet", [] {}));
+        QCOMPARE(report.count(), 1);
+    }
+
+    void loggedReportAppendsLines()
+    {
+        QTemporaryDir folder;
+        const ManualClock clock;
+        const QString path = folder.filePath(QStringLiteral("errors.log"));
+        LoggedErrorReport report(path, QStringLiteral("corvane-monitor"), clock, false);
+        report.Show(QStringLiteral("A.B"), 9, QStringLiteral("Subscript out of range"),
+                    QStringLiteral("X.Y"));
+        report.Show(QStringLiteral("C.D"), 6, QStringLiteral("Overflow"), QStringLiteral("Z"));
+        QFile log(path);
+        QVERIFY(log.open(QIODevice::ReadOnly));
+        const QList<QByteArray> lines = log.readAll().split('\n');
+        QCOMPARE(lines.size(), 3); // two lines, each ended by CR LF
+        QVERIFY(lines[0].endsWith("\tcorvane-monitor\tA.B\t9\tSubscript out of range\tX.Y\r"));
+        QVERIFY(lines[1].contains("\tC.D\t6\tOverflow\tZ\r"));
+
+        // A log that cannot be written must not take the reporting procedure down.
+        LoggedErrorReport unwritable(folder.filePath(QStringLiteral("missing/errors.log")),
+                                     QStringLiteral("p"), clock, false);
+        unwritable.Show(QStringLiteral("A.B"), 1, QStringLiteral("x"), QString());
+    }
+
+    void translation_data()
+    {
+        QTest::addColumn<QString>("token");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("translated") << "6052|Connected" << "Verbunden";
+        QTest::newRow("trailing blank kept") << "24|Time " << "Zeit ";
+        QTest::newRow("escapes") << "7|x" << "a\tb\\c";
+        QTest::newRow("no entry: default") << "6045|Closed" << "Closed";
+        QTest::newRow("default keeps blanks") << "6008|Energy " << "Energy ";
+        QTest::newRow("bar in default text") << "3|a|b" << "a|b";
+        QTest::newRow("no number") << "plain text" << "plain text";
+        QTest::newRow("N before bar not a number") << "x|y" << "x|y";
+    }
+
+    void translation()
+    {
+        QFETCH(QString, token);
+        QFETCH(QString, expected);
+        QTemporaryDir folder;
+        const QString path = folder.filePath(QStringLiteral("table.lang"));
+        writeFile(path, "# German\n6052|Verbunden\r\n24|Zeit \n\n7|a\\tb\\\\c\n");
+        qlxLanguage language;
+        QString error;
+        QVERIFY2(language.loadTable(path, &error), qPrintable(error));
+        QCOMPARE(language.Translate(token), expected);
+    }
+
+    void malformedTableIsRefused()
+    {
+        QTemporaryDir folder;
+        const QString path = folder.filePath(QStringLiteral("bad.lang"));
+        writeFile(path, "6052|Verbunden\nnot a line\n");
+        qlxLanguage language;
+        QString error;
+        QVERIFY(!language.loadTable(path, &error));
+        QVERIFY(error.contains(QLatin1String(":2:")));
+        QCOMPARE(language.Translate(u"6052|Connected"), QStringLiteral("Verbunden"));
+        QVERIFY(!language.loadTable(folder.filePath(QStringLiteral("absent.lang")), &error));
+    }
+
+    void measurementSystem_data()
+    {
+        QTest::addColumn<QByteArray>("content");
+        QTest::addColumn<int>("expected");
+        QTest::newRow("metric") << QByteArray("[PREFERENCES]\nMEASUREMENT_SYSTEM=0\n") << 0;
+        QTest::newRow("inch") << QByteArray("[PREFERENCES]\nMEASUREMENT_SYSTEM=1\n") << 1;
+        QTest::newRow("two") << QByteArray("[PREFERENCES]\nMEASUREMENT_SYSTEM=2\n") << -1;
+        QTest::newRow("text") << QByteArray("[PREFERENCES]\nMEASUREMENT_SYSTEM=inch\n") << -1;
+        QTest::newRow("absent key") << QByteArray("[PREFERENCES]\nOTHER=1\n") << -1;
+        QTest::newRow("other section") << QByteArray("[X]\nMEASUREMENT_SYSTEM=1\n") << -1;
+    }
+
+    void measurementSystem()
+    {
+        QFETCH(QByteArray, content);
+        QFETCH(int, expected);
+        QTemporaryDir folder;
+        const QString path = folder.filePath(QStringLiteral("corvane-monitor.ini"));
+        writeFile(path, content);
+        for (const MeasurementSystem regional : {MeasurementSystem::Metric, MeasurementSystem::US}) {
+            const int want = expected < 0 ? int(regional) : expected;
+            QCOMPARE(int(readMeasurementSystem(path, regional)), want);
+        }
+        QCOMPARE(readMeasurementSystem(folder.filePath(QStringLiteral("none.ini")),
+                                       MeasurementSystem::US),
+                 MeasurementSystem::US);
+    }
+
+    void regionalUnitSystem()
+    {
+        QCOMPARE(regionalMeasurementSystem(QLocale(QLocale::English, QLocale::UnitedStates)),
+                 MeasurementSystem::US);
+        QCOMPARE(regionalMeasurementSystem(QLocale(QLocale::German, QLocale::Germany)),
+                 MeasurementSystem::Metric);
+    }
+
+    void regionalFormat()
+    {
+        const RegionalFormat german(QLocale(QLocale::German, QLocale::Germany));
+        QCOMPARE(german.number(31.3563), QStringLiteral("31,3563"));
+        QCOMPARE(german.number(123456.5), QStringLiteral("123456,5"));
+        const RegionalFormat us(QLocale(QLocale::English, QLocale::UnitedStates));
+        QCOMPARE(us.number(0.1 + 0.2), QStringLiteral("0.3"));
+        QCOMPARE(us.number(-4.448222), QStringLiteral("-4.448222"));
+        QCOMPARE(us.number(2.0), QStringLiteral("2"));
+        const QDateTime when(QDate(2026, 11, 14), QTime(22, 5, 9));
+        const QString text = us.dateTime(when);
+        QVERIFY2(text.contains(QLatin1String("2026")), qPrintable(text));
+        QVERIFY2(text.contains(QLatin1String("05:09")), qPrintable(text));
+        QVERIFY2(german.dateTime(when).startsWith(QLatin1String("14.11.2026")),
+                 qPrintable(german.dateTime(when)));
+    }
+
+    void dataFolderAndFiles()
+    {
+        qputenv(ProgramFiles::kDataDirEnvironment, "/tmp/from-environment");
+        QCOMPARE(ProgramFiles::resolveDataFolder(), QStringLiteral("/tmp/from-environment"));
+        QCOMPARE(ProgramFiles::resolveDataFolder(QStringLiteral("/tmp/explicit")),
+                 QStringLiteral("/tmp/explicit"));
+        qunsetenv(ProgramFiles::kDataDirEnvironment);
+        QVERIFY(ProgramFiles::resolveDataFolder().endsWith(QLatin1String("/Corvane")));
+
+        const ProgramFiles files(QStringLiteral("/data"));
+        QCOMPARE(files.defaultConfigurationsPath(), QStringLiteral("/data/corvane-monitor.cfg"));
+        QCOMPARE(files.preferencesPath(), QStringLiteral("/data/corvane-monitor.ini"));
+        QCOMPARE(files.eventLogPath(), QStringLiteral("/data/corvane-monitor.log"));
+    }
+
+    void debugSwitch_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<bool>("expected");
+        QTest::newRow("alone") << QStringList{"prog", "/debug"} << true;
+        QTest::newRow("any case") << QStringList{"prog", "/DeBuG"} << true;
+        QTest::newRow("inside an argument") << QStringList{"prog", "--x=/debugging"} << true;
+        QTest::newRow("absent") << QStringList{"prog", "--debug"} << false;
+    }
+
+    void debugSwitch()
+    {
+        QFETCH(QStringList, arguments);
+        QFETCH(bool, expected);
+        QCOMPARE(debugSwitchPresent(arguments), expected);
+    }
+};
+
+QTEST_GUILESS_MAIN(TestConventions)
+#include "tst_conventions.moc"
