@@ -1,6 +1,9 @@
 #include "SampleWelds.h"
 
+#include "platform/RegionalFormat.h"
 #include "protocol/Function26Frame.h"
+
+#include <QTest>
 
 namespace SampleWelds {
 
@@ -60,3 +63,8 @@ QByteArray stream(int count, MeasurementSystem system)
 }
 
 } // namespace SampleWelds
+
+char *toString(const CorvaneFUN26 &record)
+{
+    return QTest::toString(record.Record(RegionalFormat(QLocale::c())));
+}

@@ -16,3 +16,6 @@ CorvaneFUN26 record(qint32 cycle, MeasurementSystem system = MeasurementSystem::
 QByteArray stream(int count, MeasurementSystem system = MeasurementSystem::Metric);
 
 } // namespace SampleWelds
+
+// How QCOMPARE shows a weld record that differs: its data-log line in C number format.
+char *toString(const CorvaneFUN26 &record);

@@ -53,16 +53,23 @@ void CaptureDecoder::finish()
     // One padding byte satisfies the parser's rule that a byte must follow the ETX.
     static constexpr char kPadding = 0;
     AppendBytes(m_buffer, QByteArrayView(&kPadding, 1));
-    qint32 before = -1;
-    while (ByteCount(m_buffer) > 1 && ByteCount(m_buffer) != before) {
-        before = ByteCount(m_buffer);
-        drain();
-    }
-    const qsizetype tail = ByteCount(m_buffer) - 1;
-    if (tail > 0 && FrameSync::firstFrameStart(m_buffer.view()) < tail)
-        report(QStringLiteral("incomplete frame at byte %1: %2 bytes at the end of the input")
+    for (;;) {
+        qint32 before = -1;
+        while (ByteCount(m_buffer) > 1 && ByteCount(m_buffer) != before) {
+            before = ByteCount(m_buffer);
+            drain();
+        }
+        // What is left is either garbage or a frame start whose frame never completed.
+        // A false start (a DLE STX in line noise with a large length) would hide the
+        // welds behind it, so decoding goes on behind every start that is left.
+        const qsizetype tail = ByteCount(m_buffer) - 1;
+        if (tail <= 0 || FrameSync::firstFrameStart(m_buffer.view()) >= tail)
+            break;
+        report(QStringLiteral("incomplete frame at byte %1: %2 bytes left at the end of the input")
                    .arg(m_offset)
                    .arg(tail));
+        m_offset += FrameSync::dropBadFrameStart(m_buffer);
+    }
     m_buffer.clear();
 }
 

@@ -1,0 +1,520 @@
+#include "SampleWelds.h"
+
+#include "platform/ProgramError.h"
+#include "platform/RegionalFormat.h"
+#include "platform/qlxLanguage.h"
+#include "protocol/CorvaneFUN26.h"
+#include "protocol/Function26Frame.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <limits>
+
+using CorvaneUSWSupport::CreateFunction26;
+
+namespace {
+
+enum class Scale { None, Milli, Deci, Distance, Velocity, Pressure, Force };
+
+// One value of the 116 data bytes as the power supply lays them out.
+struct WireField
+{
+    const char *name;
+    int offset;
+    int width;
+    bool isSigned;
+    Scale scale;
+    double (*read)(const CorvaneFUN26 &);
+};
+
+#define FIELD(name, offset, width, isSigned, scale)                                                \
+    WireField                                                                                      \
+    {                                                                                              \
+#name, offset, width, isSigned, Scale::scale,                                              \
+            [](const CorvaneFUN26 &r) { return double(r.name); }                                   \
+    }
+
+const std::array kWireFields = {
+    FIELD(CycleCount, 0, 4, true, None),
+    FIELD(Hour, 4, 2, true, None),
+    FIELD(Minute, 6, 1, false, None),
+    FIELD(Second, 7, 1, false, None),
+    FIELD(Year, 8, 2, true, None),
+    FIELD(Month, 10, 1, false, None),
+    FIELD(Day, 11, 1, false, None),
+    FIELD(ActualWeldTime, 12, 4, true, Milli),
+    FIELD(TotalEnergy, 16, 4, true, Deci),
+    FIELD(ActualDistance, 20, 4, true, Distance),
+    FIELD(ActualWeldCollapse, 24, 4, true, Distance),
+    FIELD(ActualTotalCollapse, 28, 4, true, Distance),
+    FIELD(ActualStartFrequency, 32, 4, true, None),
+    FIELD(ActualEndFrequency, 36, 4, true, None),
+    FIELD(FrequencyChange, 40, 4, true, None),
+    FIELD(FrequencyMinimum, 44, 4, true, None),
+    FIELD(FrequencyMaximum, 48, 4, true, None),
+    FIELD(ActualVelocity, 52, 4, true, Velocity),
+    FIELD(TriggerDistance, 56, 4, true, Distance),
+    FIELD(RejectPartAlarms, 60, 4, true, None),
+    FIELD(SuspectPartAlarms, 64, 4, true, None),
+    FIELD(NoCycleAlarms, 68, 4, true, None),
+    FIELD(OverloadAlarms, 72, 4, true, None),
+    FIELD(EquipmentFailureAlarms, 76, 4, true, None),
+    FIELD(CycleModifiedAlarms, 80, 4, true, None),
+    FIELD(PresetNumber, 84, 1, false, None),
+    FIELD(Units, 85, 1, false, None),
+    FIELD(PresentLimitsChanged, 86, 1, false, None),
+    FIELD(ReservedByte, 87, 1, false, None),
+    FIELD(NoteAlarms, 88, 4, true, None),
+    FIELD(SetAmplitudeA, 92, 4, true, None),
+    FIELD(SetAmplitudeB, 96, 4, true, None),
+    FIELD(WeldMode, 100, 1, false, None),
+    FIELD(PowerSupplyControlFlags, 101, 1, false, None),
+    FIELD(PeakPower, 102, 2, true, Deci),
+    FIELD(WeldPresure, 104, 2, true, Pressure),
+    FIELD(WeldForceEnd, 106, 2, true, Force),
+    FIELD(HoldForceEnd, 108, 2, true, Force),
+    FIELD(TotalCycleTime, 110, 4, true, Milli),
+    FIELD(TriggerForce, 114, 2, true, Force),
+};
+
+#undef FIELD
+
+const WireField &wireField(const QString &name)
+{
+    for (const WireField &field : kWireFields) {
+        if (name == QLatin1String(field.name))
+            return field;
+    }
+    qFatal("no wire field %s", qPrintable(name));
+}
+
+// The display-unit factors, written out as the power supply's documentation gives them.
+double factor(Scale scale, MeasurementSystem system)
+{
+    const bool us = system == MeasurementSystem::US;
+    switch (scale) {
+    case Scale::None:
+        return 1.0;
+    case Scale::Milli:
+        return 0.001;
+    case Scale::Deci:
+        return 0.1;
+    case Scale::Distance:
+        return us ? 1.0 / 10000.0 : 25.4 / 10000.0;
+    case Scale::Velocity:
+        return us ? 10.0 / 1000.0 : 254.0 / 1000.0;
+    case Scale::Pressure:
+        return us ? 100.0 / 1000.0 : 689.0 / 1000.0;
+    case Scale::Force:
+        return us ? 100.0 / 1000.0 : 444.8222 / 1000.0;
+    }
+    return 0;
+}
+
+// The raw integer in the field's bytes: big-endian, two's complement when signed.
+qint64 rawValue(const QByteArray &data, const WireField &field)
+{
+    quint64 value = 0;
+    for (int k = 0; k < field.width; ++k)
+        value = value * 256 + quint8(data[field.offset + k]);
+    const quint64 signBit = quint64(1) << (8 * field.width - 1);
+    if (field.isSigned && (value & signBit))
+        return qint64(value) - qint64(signBit * 2);
+    return qint64(value);
+}
+
+void putRaw(QByteArray &data, const WireField &field, qint64 raw)
+{
+    for (int k = field.width - 1, shift = 0; k >= 0; --k, shift += 8)
+        data[field.offset + k] = char((quint64(raw) >> shift) & 0xFF);
+}
+
+const QDateTime kDecodedAt(QDate(2026, 11, 14), QTime(22, 5, 9));
+
+CorvaneFUN26 decode(const QByteArray &data, MeasurementSystem system)
+{
+    return CreateFunction26(data, 0, system, kDecodedAt);
+}
+
+// A record whose values are all different, and different from those of the four fields
+// that the data log leaves out.
+CorvaneFUN26 distinctRecord()
+{
+    CorvaneFUN26 r;
+    r.AcquiredTime = kDecodedAt;
+    r.CycleCount = 70001;
+    r.Hour = 21;
+    r.Minute = 59;
+    r.Second = 58;
+    r.Year = 2026;
+    r.Month = 12;
+    r.Day = 31;
+    r.ActualWeldTime = 0.25;
+    r.TotalEnergy = 120.5;
+    r.ActualDistance = 1.2345;
+    r.ActualWeldCollapse = 0.0401;
+    r.ActualTotalCollapse = 0.0432;
+    r.ActualStartFrequency = 19950;
+    r.ActualEndFrequency = 19910;
+    r.FrequencyChange = -40;
+    r.FrequencyMinimum = 19900;
+    r.FrequencyMaximum = 19960;
+    r.ActualVelocity = 50.5;
+    r.TriggerDistance = 1.1;
+    r.RejectPartAlarms = 2;
+    r.SuspectPartAlarms = 4;
+    r.NoCycleAlarms = 8;
+    r.OverloadAlarms = 16;
+    r.EquipmentFailureAlarms = 32;
+    r.CycleModifiedAlarms = std::numeric_limits<qint32>::min();
+    r.PresetNumber = 7;
+    r.Units = 201;
+    r.PresentLimitsChanged = 202;
+    r.ReservedByte = 203;
+    r.NoteAlarms = 1024;
+    r.SetAmplitudeA = 80;
+    r.SetAmplitudeB = 60;
+    r.WeldMode = 35;
+    r.PowerSupplyControlFlags = 33;
+    r.PeakPower = 45.5;
+    r.WeldPresure = -31;
+    r.WeldForceEnd = -1;
+    r.HoldForceEnd = 90.25;
+    r.TotalCycleTime = 0.85;
+    r.TriggerForce = 777.125;
+    return r;
+}
+
+QStringList columns(const QString &line)
+{
+    return line.split(u'\t');
+}
+
+} // namespace
+
+// Decoding the 116 data bytes of a weld record into display units, and the record's
+// texts: the weld mode, the data-log header and the data-log line.
+class TestCorvaneFUN26 : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void wireTableCoversTheDataBlock()
+    {
+        int next = 0;
+        for (const WireField &field : kWireFields) {
+            QCOMPARE(field.offset, next);
+            next += field.width;
+        }
+        QCOMPARE(next, CorvaneFUN26::kDataBytes);
+    }
+
+    // Bytes filled with a pattern, so that every field has its own value and both signs
+    // occur; each field must be read from its offset with its width and sign.
+    void everyFieldAtItsOffset_data()
+    {
+        QTest::addColumn<int>("pattern");
+        QTest::addColumn<MeasurementSystem>("system");
+        for (const int pattern : {0, 1, 2}) {
+            QTest::addRow("pattern %d metric", pattern) << pattern << MeasurementSystem::Metric;
+            QTest::addRow("pattern %d US", pattern) << pattern << MeasurementSystem::US;
+        }
+    }
+
+    void everyFieldAtItsOffset()
+    {
+        QFETCH(int, pattern);
+        QFETCH(MeasurementSystem, system);
+        QByteArray data(CorvaneFUN26::kDataBytes, Qt::Uninitialized);
+        for (int j = 0; j < data.size(); ++j) {
+            const int value = pattern == 0 ? j * 37 + 11 : pattern == 1 ? 255 - j * 37 : j;
+            data[j] = char(value & 0xFF);
+        }
+        const CorvaneFUN26 record = decode(data, system);
+        QCOMPARE(record.AcquiredTime, kDecodedAt);
+        for (const WireField &field : kWireFields) {
+            const double expected = double(rawValue(data, field)) * factor(field.scale, system);
+            if (field.read(record) != expected)
+                QFAIL(qPrintable(QStringLiteral("%1: %2, expected %3")
+                                     .arg(QLatin1String(field.name))
+                                     .arg(field.read(record), 0, 'g', 17)
+                                     .arg(expected, 0, 'g', 17)));
+        }
+    }
+
+    void scaledValues_data()
+    {
+        QTest::addColumn<QString>("field");
+        QTest::addColumn<qint64>("raw");
+        QTest::addColumn<MeasurementSystem>("system");
+        QTest::addColumn<double>("expected");
+        const auto us = MeasurementSystem::US;
+        const auto metric = MeasurementSystem::Metric;
+        QTest::newRow("distance US") << "ActualDistance" << 12345LL << us << 1.2345;
+        QTest::newRow("distance metric") << "ActualDistance" << 12345LL << metric << 31.3563;
+        QTest::newRow("velocity US") << "ActualVelocity" << 5000LL << us << 50.0;
+        QTest::newRow("velocity metric") << "ActualVelocity" << 5000LL << metric << 1270.0;
+        QTest::newRow("force US") << "WeldForceEnd" << -10LL << us << -1.0;
+        QTest::newRow("force metric") << "WeldForceEnd" << -10LL << metric << -4.448222;
+        QTest::newRow("pressure US") << "WeldPresure" << -310LL << us << -31.0;
+        QTest::newRow("pressure metric") << "WeldPresure" << -310LL << metric << -213.59;
+        QTest::newRow("pressure highest") << "WeldPresure" << 32767LL << metric << 22576.463;
+        QTest::newRow("peak power") << "PeakPower" << 455LL << metric << 45.5;
+        QTest::newRow("energy") << "TotalEnergy" << 1205LL << metric << 120.5;
+        QTest::newRow("largest count") << "CycleCount" << 2147483647LL << us << 2147483647.0;
+    }
+
+    void scaledValues()
+    {
+        QFETCH(QString, field);
+        QFETCH(qint64, raw);
+        QFETCH(MeasurementSystem, system);
+        QFETCH(double, expected);
+        const WireField &wire = wireField(field);
+        QByteArray data(CorvaneFUN26::kDataBytes, '\0');
+        putRaw(data, wire, raw);
+        QCOMPARE(wire.read(decode(data, system)), expected);
+    }
+
+    // The encoder that tests and the simulator use is the decoder's inverse.
+    void encodedRecordDecodesBack_data()
+    {
+        QTest::addColumn<CorvaneFUN26>("record");
+        QTest::addColumn<MeasurementSystem>("system");
+        for (const auto system : {MeasurementSystem::Metric, MeasurementSystem::US}) {
+            const char *name = system == MeasurementSystem::US ? "US" : "metric";
+            QTest::addRow("sample %s", name) << SampleWelds::record(17, system) << system;
+            CorvaneFUN26 extremes = SampleWelds::record(1, system);
+            extremes.CycleCount = std::numeric_limits<qint32>::min();
+            extremes.Hour = -1;
+            extremes.Minute = 255;
+            extremes.RejectPartAlarms = std::numeric_limits<qint32>::min();
+            extremes.NoteAlarms = -1;
+            extremes.WeldMode = 0xFF;
+            extremes.ReservedByte = 0x10;
+            extremes.WeldForceEnd = -32768 * Function26Scale::forSystem(system).force;
+            extremes.TriggerForce = 32767 * Function26Scale::forSystem(system).force;
+            QTest::addRow("extremes %s", name) << extremes << system;
+        }
+    }
+
+    void encodedRecordDecodesBack()
+    {
+        QFETCH(CorvaneFUN26, record);
+        QFETCH(MeasurementSystem, system);
+        record.AcquiredTime = kDecodedAt;
+        const QByteArray data = Function26Frame::encodeData(record, system);
+        QCOMPARE(data.size(), CorvaneFUN26::kDataBytes);
+        QCOMPARE(decode(data, system), record);
+        const QByteArray frame = Function26Frame::encode(record, system);
+        QCOMPARE(frame.size(), 124);
+        QCOMPARE(CreateFunction26(frame, 6, system, kDecodedAt), record);
+    }
+
+    void tooFewBytesFail_data()
+    {
+        QTest::addColumn<int>("size");
+        QTest::addColumn<int>("pos");
+        QTest::newRow("empty") << 0 << 0;
+        QTest::newRow("one byte") << 1 << 0;
+        QTest::newRow("one byte short") << 115 << 0;
+        QTest::newRow("starting one late") << 116 << 1;
+        QTest::newRow("starting before the buffer") << 116 << -1;
+        QTest::newRow("frame without its last data byte") << 200 << 85;
+    }
+
+    void tooFewBytesFail()
+    {
+        QFETCH(int, size);
+        QFETCH(int, pos);
+        const QByteArray buffer(size, '\x01');
+        try {
+            CreateFunction26(buffer, pos, MeasurementSystem::Metric, kDecodedAt);
+            QFAIL("a record was decoded from too few bytes");
+        } catch (const ProgramError &error) {
+            QCOMPARE(error.number(), ProgramError::kSubscriptOutOfRange);
+            QVERIFY2(error.source().contains(QLatin1String("CorvaneUSWSupport.CreateFunction26")),
+                     qPrintable(error.source()));
+        }
+        // With 116 bytes behind the position, the same decode succeeds.
+        const QByteArray enough = buffer + QByteArray(CorvaneFUN26::kDataBytes, '\x01');
+        CreateFunction26(enough, enough.size() - CorvaneFUN26::kDataBytes, MeasurementSystem::US,
+                         kDecodedAt);
+    }
+
+    void weldModeDescription_data()
+    {
+        QTest::addColumn<int>("mode");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("none") << 0x00 << "----";
+        QTest::newRow("time") << 0x01 << "Time";
+        QTest::newRow("time and energy") << 0x03 << "Time Energy";
+        QTest::newRow("peak power") << 0x04 << "Peak Power";
+        QTest::newRow("collapse and ground detect") << 0x28 << "Collapse Gnd Detect";
+        QTest::newRow("all six") << 0x3F << "Time Energy Peak Power Collapse Absolute Gnd Detect";
+        QTest::newRow("bit 6 only") << 0x40 << "----";
+        QTest::newRow("bits 6 and 7 only") << 0xC0 << "----";
+        QTest::newRow("high bits ignored") << 0xD2 << "Energy Absolute";
+    }
+
+    void weldModeDescription()
+    {
+        QFETCH(int, mode);
+        QFETCH(QString, expected);
+        CorvaneFUN26 record;
+        record.WeldMode = quint8(mode);
+        QCOMPARE(record.WeldModeDescription(qlxLanguage()), expected);
+    }
+
+    void weldModeDescriptionIsTranslated()
+    {
+        qlxLanguage language;
+        language.setText(24, QStringLiteral("Zeit "));
+        language.setText(6008, QStringLiteral("Energie "));
+        CorvaneFUN26 record;
+        record.WeldMode = 0x07;
+        QCOMPARE(record.WeldModeDescription(language), QStringLiteral("Zeit Energie Peak Power"));
+        record.WeldMode = 0x02;
+        QCOMPARE(record.WeldModeDescription(language), QStringLiteral("Energie"));
+    }
+
+    void headerRecord()
+    {
+        const QString header = CorvaneFUN26::HeaderRecord(qlxLanguage());
+        QCOMPARE(header.count(u'\t'), 38);
+        QVERIFY(!header.endsWith(u'\t'));
+        const QStringList expected = {"Acquired Time",
+                                      "Cycle Count",
+                                      "Hour",
+                                      "Minute",
+                                      "Second",
+                                      "Year",
+                                      "Month",
+                                      "Day",
+                                      "Weld Time",
+                                      "Energy",
+                                      "Distance",
+                                      "Weld Collapse",
+                                      "Total Collapse",
+                                      "Start Frequency",
+                                      "End Frequency",
+                                      "Frequency Change",
+                                      "Frequency Minimum",
+                                      "Frequency Maximum",
+                                      "Velocity",
+                                      "Trigger Distance",
+                                      "Reject Part Alarms",
+                                      "Suspect Part Alarms",
+                                      "No Cycle Alarms",
+                                      "Overload Alarms",
+                                      "Equipment Failure Alarms",
+                                      "Cycle Modified Alarms",
+                                      "Preset #",
+                                      "Note Alarms",
+                                      "Amplitude A",
+                                      "Amplitude B",
+                                      "Mode",
+                                      "PS Control Flags",
+                                      "Peak Power",
+                                      "Weld Pressure",
+                                      "Weld Force",
+                                      "Hold Force",
+                                      "Total Cycle Time",
+                                      "N/A",
+                                      "N/A"};
+        QCOMPARE(columns(header), expected);
+    }
+
+    void headerRecordIsTranslatedAtEachCall()
+    {
+        QTemporaryDir folder;
+        const QString path = folder.filePath(QStringLiteral("de.lang"));
+        QFile table(path);
+        QVERIFY(table.open(QIODevice::WriteOnly));
+        table.write("1196|k. A.\n6344|Weg\n6008|Energie\n");
+        table.close();
+        qlxLanguage language;
+        QVERIFY(language.loadTable(path));
+        QStringList captions = columns(CorvaneFUN26::HeaderRecord(language));
+        QCOMPARE(captions.size(), 39);
+        QCOMPARE(captions[9], QStringLiteral("Energie"));
+        QCOMPARE(captions[10], QStringLiteral("Weg"));
+        QCOMPARE(captions[37], QStringLiteral("k. A."));
+        QCOMPARE(captions[38], QStringLiteral("k. A."));
+        language.setText(6344, QStringLiteral("Abstand"));
+        captions = columns(CorvaneFUN26::HeaderRecord(language));
+        QCOMPARE(captions[10], QStringLiteral("Abstand"));
+    }
+
+    void recordColumns()
+    {
+        const QString line = distinctRecord().Record(RegionalFormat(QLocale::c()));
+        QCOMPARE(line.count(u'\t'), 38);
+        const QStringList values = columns(line);
+        const QStringList expected = {
+            values[0], "70001",       "21",     "59",     "58",     "2026",  "12",    "31",
+            "0.25",    "120.5",       "1.2345", "0.0401", "0.0432", "19950", "19910", "-40",
+            "19900",   "19960",       "50.5",   "1.1",    "2",      "4",     "8",     "16",
+            "32",      "-2147483648", "7",      "1024",   "80",     "60",    "35",    "33",
+            "45.5",    "-31",         "-1",     "90.25",  "0.85",   "",      ""};
+        QCOMPARE(values, expected);
+        QVERIFY(!values[0].isEmpty());
+        // Units, the limits-changed flag, the reserved byte and the trigger force are
+        // kept in the record but not written.
+        for (const char *absent : {"201", "202", "203", "777.125"})
+            QVERIFY2(!values.contains(QLatin1String(absent)), absent);
+    }
+
+    void recordNumbersInGeneralForm_data()
+    {
+        QTest::addColumn<QLocale>("locale");
+        QTest::addColumn<double>("value");
+        QTest::addColumn<QString>("expected");
+        const QLocale c = QLocale::c();
+        const QLocale german(QLocale::German, QLocale::Germany);
+        const QLocale us(QLocale::English, QLocale::UnitedStates);
+        QTest::newRow("no trailing zeros") << c << 2.5 << "2.5";
+        QTest::newRow("whole number") << c << 100.0 << "100";
+        QTest::newRow("zero") << c << 0.0 << "0";
+        QTest::newRow("binary fraction rounded") << c << 0.1 + 0.2 << "0.3";
+        QTest::newRow("metric distance") << c << 12345 * (25.4 / 10000.0) << "31.3563";
+        QTest::newRow("fifteen digits") << c << 1.0 / 3.0 << "0.333333333333333";
+        QTest::newRow("large") << c << 2147483647 * (254.0 / 1000.0) << "545460846.338";
+        QTest::newRow("smallest inch step") << c << 0.0001 << "0.0001";
+        QTest::newRow("negative") << c << -4.448222 << "-4.448222";
+        QTest::newRow("German comma") << german << 1.2345 << "1,2345";
+        QTest::newRow("German, no grouping") << german << 1234.5 << "1234,5";
+        QTest::newRow("US, no grouping") << us << 1234567.25 << "1234567.25";
+    }
+
+    void recordNumbersInGeneralForm()
+    {
+        QFETCH(QLocale, locale);
+        QFETCH(double, value);
+        QFETCH(QString, expected);
+        CorvaneFUN26 record = distinctRecord();
+        record.ActualDistance = value;
+        record.HoldForceEnd = value;
+        const QStringList values = columns(record.Record(RegionalFormat(locale)));
+        QCOMPARE(values[10], expected);
+        QCOMPARE(values[35], expected);
+        // Integers never take a decimal separator or grouping.
+        QCOMPARE(values[1], QStringLiteral("70001"));
+    }
+
+    void recordTimeInRegionalForm()
+    {
+        const CorvaneFUN26 record = distinctRecord();
+        const QString german =
+            columns(record.Record(RegionalFormat(QLocale(QLocale::German, QLocale::Germany))))[0];
+        QCOMPARE(german, QStringLiteral("14.11.2026 22:05:09"));
+        const QString us = columns(
+            record.Record(RegionalFormat(QLocale(QLocale::English, QLocale::UnitedStates))))[0];
+        QCOMPARE(us, QStringLiteral("11/14/2026 10:05:09 PM"));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestCorvaneFUN26)
+#include "tst_corvanefun26.moc"

@@ -1,0 +1,582 @@
+#include "ManualClock.h"
+#include "SampleWelds.h"
+
+#include "platform/ProgramError.h"
+#include "protocol/CorvaneParser.h"
+#include "protocol/CorvaneUSWSupport.h"
+#include "protocol/Function26Frame.h"
+
+#include <QRandomGenerator>
+#include <QTest>
+
+#include <limits>
+
+using namespace CorvaneUSWSupport;
+
+namespace {
+
+constexpr qint32 kProgramError = qint32(0x80040000u);
+const QString kEndOfTransmission = QStringLiteral("Unable to resolve End of Transmission");
+
+QByteArray bytes(std::initializer_list<int> values)
+{
+    QByteArray out;
+    for (int value : values)
+        out.append(char(value));
+    return out;
+}
+
+QByteArray weldFrame(qint32 cycle)
+{
+    return Function26Frame::encode(SampleWelds::record(cycle), MeasurementSystem::Metric);
+}
+
+// The record the parser should produce for a sample frame, stamped by the test clock.
+CorvaneFUN26 expectedWeld(qint32 cycle, const Clock &clock)
+{
+    CorvaneFUN26 record = SampleWelds::record(cycle);
+    record.AcquiredTime = clock.now();
+    return record;
+}
+
+// A frame of another function: function 5 with two data bytes is 10 bytes long.
+QByteArray otherFrame(qint16 function = 5, QByteArray data = bytes({0xAB, 0xCD}))
+{
+    return Function26Frame::encodeFrame(function, data);
+}
+
+// Takes every record the buffer yields, as a receiver does after an arrival.
+QList<CorvaneFUN26> drain(const CorvaneParser &parser, ReceiveBuffer &buffer)
+{
+    QList<CorvaneFUN26> records;
+    for (;;) {
+        const qint32 before = ByteCount(buffer);
+        std::optional<CorvaneFUN26> record = parser.GetFunction(buffer);
+        if (record)
+            records.append(*record);
+        else if (ByteCount(buffer) == before)
+            return records;
+    }
+}
+
+} // namespace
+
+// The big-endian readers of the welder link, the receive buffer, and the frame parser
+// that cuts Function 26 weld records out of whatever the link delivers.
+class TestCorvaneParser : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void integerReaders_data()
+    {
+        QTest::addColumn<QByteArray>("buffer");
+        QTest::addColumn<int>("pos");
+        QTest::addColumn<qint16>("integer");
+        QTest::addColumn<qint32>("longInt");
+        QTest::newRow("zero") << bytes({0, 0, 0, 0}) << 0 << qint16(0) << 0;
+        QTest::newRow("all ones") << bytes({0xFF, 0xFF, 0xFF, 0xFF}) << 0 << qint16(-1) << -1;
+        QTest::newRow("most negative")
+            << bytes({0x80, 0, 0, 0}) << 0 << std::numeric_limits<qint16>::min()
+            << std::numeric_limits<qint32>::min();
+        QTest::newRow("most positive")
+            << bytes({0x7F, 0xFF, 0xFF, 0xFF}) << 0 << std::numeric_limits<qint16>::max()
+            << std::numeric_limits<qint32>::max();
+        QTest::newRow("minus two")
+            << bytes({0xFF, 0xFE, 0xFF, 0xFE}) << 0 << qint16(-2) << qint32(0xFFFEFFFEu);
+        QTest::newRow("big-endian order")
+            << bytes({0x01, 0x02, 0x03, 0x04}) << 0 << qint16(0x0102) << 0x01020304;
+        // High bits of the low bytes must not be taken as signs.
+        QTest::newRow("unsigned low bytes")
+            << bytes({0x00, 0x80, 0x00, 0xFF}) << 0 << qint16(128) << 0x008000FF;
+        QTest::newRow("inside the buffer") << bytes({0x10, 0x02, 0x12, 0x34, 0x56, 0x78, 0x10}) << 2
+                                           << qint16(0x1234) << 0x12345678;
+    }
+
+    void integerReaders()
+    {
+        QFETCH(QByteArray, buffer);
+        QFETCH(int, pos);
+        QFETCH(qint16, integer);
+        QFETCH(qint32, longInt);
+        qsizetype at = pos;
+        QCOMPARE(GetInteger(buffer, at, false), integer);
+        QCOMPARE(GetLong(buffer, at, false), longInt);
+        QCOMPARE(GetByte(buffer, at, false), quint8(buffer[pos]));
+        QCOMPARE(at, qsizetype(pos));
+    }
+
+    void readersAdvanceOnlyWhenAsked()
+    {
+        const QByteArray buffer = bytes({0xFF, 0x80, 0x00, 0x00, 0x00, 0x01, 0xFF, 0xFE});
+        qsizetype pos = 0;
+        QCOMPARE(GetByte(buffer, pos), quint8(0xFF));
+        QCOMPARE(pos, 1);
+        QCOMPARE(GetLong(buffer, pos), std::numeric_limits<qint32>::min());
+        QCOMPARE(pos, 5);
+        QCOMPARE(GetByte(buffer, pos, false), quint8(0x01));
+        QCOMPARE(GetInteger(buffer, pos, false), qint16(0x01FF));
+        QCOMPARE(pos, 5);
+        pos = 4;
+        QCOMPARE(GetLong(buffer, pos, false), 0x0001FFFE);
+        QCOMPARE(pos, 4);
+        pos = 6;
+        QCOMPARE(GetInteger(buffer, pos), qint16(-2));
+        QCOMPARE(pos, 8);
+    }
+
+    void readsOutsideTheBufferFail_data()
+    {
+        QTest::addColumn<int>("width");
+        QTest::addColumn<int>("size");
+        QTest::addColumn<qsizetype>("pos");
+        QTest::addColumn<QString>("reader");
+        const QString byte = QStringLiteral("CorvaneUSWSupport.GetByte");
+        const QString integer = QStringLiteral("CorvaneUSWSupport.GetInteger");
+        const QString longInt = QStringLiteral("CorvaneUSWSupport.GetLong");
+        QTest::newRow("byte of empty") << 1 << 0 << qsizetype(0) << byte;
+        QTest::newRow("byte at end") << 1 << 4 << qsizetype(4) << byte;
+        QTest::newRow("byte before start") << 1 << 4 << qsizetype(-1) << byte;
+        QTest::newRow("integer of empty") << 2 << 0 << qsizetype(0) << integer;
+        QTest::newRow("integer half past end") << 2 << 4 << qsizetype(3) << integer;
+        QTest::newRow("integer before start") << 2 << 4 << qsizetype(-1) << integer;
+        QTest::newRow("long of three bytes") << 4 << 3 << qsizetype(0) << longInt;
+        QTest::newRow("long one short") << 4 << 8 << qsizetype(5) << longInt;
+        QTest::newRow("long far before start")
+            << 4 << 8 << std::numeric_limits<qsizetype>::min() << longInt;
+        QTest::newRow("long far past end")
+            << 4 << 8 << std::numeric_limits<qsizetype>::max() << longInt;
+    }
+
+    void readsOutsideTheBufferFail()
+    {
+        QFETCH(int, width);
+        QFETCH(int, size);
+        QFETCH(qsizetype, pos);
+        QFETCH(QString, reader);
+        const QByteArray buffer(size, '\x7F');
+        for (const bool advance : {false, true}) {
+            qsizetype at = pos;
+            try {
+                if (width == 1)
+                    GetByte(buffer, at, advance);
+                else if (width == 2)
+                    GetInteger(buffer, at, advance);
+                else
+                    GetLong(buffer, at, advance);
+                QFAIL("the read outside the buffer succeeded");
+            } catch (const ProgramError &error) {
+                QCOMPARE(error.number(), ProgramError::kSubscriptOutOfRange);
+                QCOMPARE(error.source(), reader);
+                QCOMPARE(at, pos);
+            }
+        }
+    }
+
+    void appendAndCount()
+    {
+        ReceiveBuffer buffer;
+        QCOMPARE(ByteCount(buffer), 0);
+        AppendBytes(buffer, QByteArrayView());
+        QCOMPARE(ByteCount(buffer), 0);
+        AppendBytes(buffer, bytes({1, 2, 3}));
+        AppendBytes(buffer, QByteArray());
+        AppendBytes(buffer, bytes({0, 0xFF}));
+        QCOMPARE(ByteCount(buffer), 5);
+        QCOMPARE(buffer.toByteArray(), bytes({1, 2, 3, 0, 0xFF}));
+    }
+
+    void removeLeadingBytes_data()
+    {
+        QTest::addColumn<int>("n");
+        QTest::addColumn<QByteArray>("remaining");
+        QTest::newRow("none") << 0 << bytes({1, 2, 3, 4});
+        QTest::newRow("some") << 3 << bytes({4});
+        QTest::newRow("all") << 4 << QByteArray();
+        QTest::newRow("more than all") << 5 << QByteArray();
+        QTest::newRow("far more than all") << std::numeric_limits<int>::max() << QByteArray();
+    }
+
+    void removeLeadingBytes()
+    {
+        QFETCH(int, n);
+        QFETCH(QByteArray, remaining);
+        ReceiveBuffer buffer(bytes({1, 2, 3, 4}));
+        RemoveLeadingBytes(buffer, n);
+        QCOMPARE(buffer.toByteArray(), remaining);
+        QCOMPARE(ByteCount(buffer), int(remaining.size()));
+        QCOMPARE(buffer.view().size(), remaining.size());
+        // An emptied buffer takes new bytes from its start again.
+        AppendBytes(buffer, bytes({9}));
+        QCOMPARE(buffer.toByteArray(), remaining + bytes({9}));
+    }
+
+    // The buffer skips consumed bytes and compacts them away later; whatever the mix of
+    // arrivals and removals, it must hold exactly what a plain byte array would.
+    void compactionKeepsContents()
+    {
+        QRandomGenerator random(20261114);
+        ReceiveBuffer buffer;
+        QByteArray model;
+        quint8 next = 0;
+        qsizetype mostStored = 0;
+        for (int step = 0; step < 20000; ++step) {
+            if (random.bounded(2) == 0) {
+                QByteArray piece(random.bounded(700), Qt::Uninitialized);
+                for (char &c : piece)
+                    c = char(next++);
+                AppendBytes(buffer, piece);
+                model += piece;
+            } else {
+                const int n = random.bounded(int(model.size()) + 20);
+                RemoveLeadingBytes(buffer, n);
+                model.remove(0, n);
+            }
+            QCOMPARE(ByteCount(buffer), int(model.size()));
+            if (buffer.view() != model)
+                QFAIL(qPrintable(QStringLiteral("contents differ after step %1").arg(step)));
+            mostStored = qMax(mostStored, buffer.storedBytes());
+        }
+        // Live contents stay small, so consumed bytes must not pile up in memory.
+        QVERIFY2(mostStored < 64 * 1024, qPrintable(QString::number(mostStored)));
+    }
+
+    void emptyBufferYieldsNothing()
+    {
+        const ManualClock clock;
+        const CorvaneParser parser(MeasurementSystem::Metric, clock);
+        ReceiveBuffer buffer;
+        QVERIFY(!parser.GetFunction(buffer));
+        QVERIFY(buffer.isEmpty());
+    }
+
+    // A frame is taken only once one more byte has arrived behind its ETX.
+    void frameNeedsOneByteBeyondItsEnd_data()
+    {
+        QTest::addColumn<char>("following");
+        QTest::newRow("zero") << '\x00';
+        QTest::newRow("DLE") << '\x10';
+        QTest::newRow("ETX") << '\x03';
+        QTest::newRow("all ones") << '\xFF';
+    }
+
+    void frameNeedsOneByteBeyondItsEnd()
+    {
+        QFETCH(char, following);
+        const ManualClock clock;
+        const CorvaneParser parser(MeasurementSystem::Metric, clock);
+        const QByteArray frame = weldFrame(7);
+        QCOMPARE(frame.size(), 124);
+        ReceiveBuffer buffer(frame);
+        QVERIFY(!parser.GetFunction(buffer));
+        QCOMPARE(buffer.toByteArray(), frame);
+
+        AppendBytes(buffer, QByteArrayView(&following, 1));
+        const std::optional<CorvaneFUN26> record = parser.GetFunction(buffer);
+        QVERIFY(record);
+        QCOMPARE(*record, expectedWeld(7, clock));
+        QCOMPARE(buffer.toByteArray(), QByteArray(1, following));
+        QVERIFY(!parser.GetFunction(buffer));
+        QCOMPARE(ByteCount(buffer), 1);
+    }
+
+    void recordIsStampedWhenDecoded()
+    {
+        ManualClock clock;
+        const CorvaneParser parser(MeasurementSystem::Metric, clock);
+        ReceiveBuffer buffer(weldFrame(1) + weldFrame(2) + bytes({0}));
+        const QDateTime first = clock.now();
+        QCOMPARE(parser.GetFunction(buffer)->AcquiredTime, first);
+        clock.advanceSeconds(61);
+        QCOMPARE(parser.GetFunction(buffer)->AcquiredTime, first.addSecs(61));
+    }
+
+    void queuedFramesComeOnePerCall()
+    {
+        const ManualClock clock;
+        const CorvaneParser parser(MeasurementSystem::Metric, clock);
+        ReceiveBuffer buffer(SampleWelds::stream(40));
+        for (int cycle = 1; cycle <= 40; ++cycle) {
+            const std::optional<CorvaneFUN26> record = parser.GetFunction(buffer);
+            QVERIFY(record);
+            QCOMPARE(record->CycleCount, cycle);
+            // Each frame's own trailing byte is the garbage in front of the next one.
+            QCOMPARE(ByteCount(buffer), (40 - cycle) * 125 + 1);
+        }
+        QVERIFY(!parser.GetFunction(buffer));
+        QCOMPARE(ByteCount(buffer), 1);
+    }
+
+    // Bytes that are not a frame start are dropped together with the next good frame;
+    // with no frame behind them they stay.
+    void garbageAroundFrames_data()
+    {
+        QTest::addColumn<QByteArray>("stream");
+        QTest::addColumn<QList<int>>("cycles");
+        QTest::addColumn<QByteArray>("left");
+        const QByteArray garbage = bytes({0x10, 0x10, 0x03, 0x02, 0xAA, 0x00, 0x10, 0x03, 0x55});
+        const QByteArray tail = bytes({0x42});
+        QTest::newRow("before") << garbage + weldFrame(1) + tail << QList<int>{1} << tail;
+        QTest::newRow("between") << weldFrame(1) + garbage + weldFrame(2) + tail << QList<int>{1, 2}
+                                 << tail;
+        QTest::newRow("after") << weldFrame(1) + tail + garbage << QList<int>{1} << tail + garbage;
+        QTest::newRow("only garbage") << garbage + garbage << QList<int>{} << garbage + garbage;
+        QTest::newRow("lone DLE STX at the end")
+            << weldFrame(1) + tail + bytes({0x10, 0x02, 0x00}) << QList<int>{1}
+            << tail + bytes({0x10, 0x02, 0x00});
+    }
+
+    void garbageAroundFrames()
+    {
+        QFETCH(QByteArray, stream);
+        QFETCH(QList<int>, cycles);
+        QFETCH(QByteArray, left);
+        const ManualClock clock;
+        const CorvaneParser parser(MeasurementSystem::Metric, clock);
+        ReceiveBuffer buffer(stream);
+        QList<CorvaneFUN26> expected;
+        for (int cycle : cycles)
+            expected.append(expectedWeld(cycle, clock));
+        QCOMPARE(drain(parser, buffer), expected);
+        QCOMPARE(buffer.toByteArray(), left);
+    }
+
+    // Frames of other functions are consumed whole, with what stands in front of them,
+    // and yield no record.
+    void otherFunctionsAreSkipped_data()
+    {
+        QTest::addColumn<QByteArray>("lead");
+        QTest::addColumn<QByteArray>("frame");
+        QTest::newRow("function 5, length 4") << QByteArray() << otherFrame();
+        QTest::newRow("with garbage in front") << bytes({0xEE, 0x10, 0x03}) << otherFrame();
+        QTest::newRow("function 0") << QByteArray() << otherFrame(0);
+        QTest::newRow("function -1") << QByteArray() << otherFrame(-1);
+        QTest::newRow("function 25") << QByteArray() << otherFrame(25);
+        QTest::newRow("function 27") << QByteArray() << otherFrame(27);
+        QTest::newRow("function 282 (low byte 26)") << QByteArray() << otherFrame(0x011A);
+        QTest::newRow("no data") << QByteArray() << otherFrame(5, QByteArray());
+        QTest::newRow("long data") << bytes({1}) << otherFrame(9, QByteArray(300, '\x10'));
+        QTest::newRow("weld-sized data") << QByteArray() << otherFrame(30, QByteArray(116, '\x1A'));
+    }
+
+    void otherFunctionsAreSkipped()
+    {
+        QFETCH(QByteArray, lead);
+        QFETCH(QByteArray, frame);
+        const ManualClock clock;
+        const CorvaneParser parser(MeasurementSystem::Metric, clock);
+        const QByteArray rest = weldFrame(3) + bytes({0});
+        ReceiveBuffer buffer(lead + frame + rest);
+
+        std::optional<CorvaneFUN26> record;
+        qsizetype consumed = -1;
+        parser.ProcessBlock(buffer, record, consumed);
+        QVERIFY(!record);
+        QCOMPARE(consumed, lead.size() + frame.size());
+
+        QVERIFY(!parser.GetFunction(buffer));
+        QCOMPARE(buffer.toByteArray(), rest);
+        const std::optional<CorvaneFUN26> weld = parser.GetFunction(buffer);
+        QVERIFY(weld);
+        QCOMPARE(*weld, expectedWeld(3, clock));
+    }
+
+    void functionFiveFrameIsTenBytes()
+    {
+        const QByteArray frame = otherFrame(5);
+        QCOMPARE(frame.size(), 10);
+        QCOMPARE(frame, bytes({0x10, 0x02, 0x00, 0x04, 0x00, 0x05, 0xAB, 0xCD, 0x10, 0x03}));
+    }
+
+    // The length field of a weld record frame is never read: it is 118 whatever it says.
+    void weldRecordLengthFieldIgnored_data()
+    {
+        QTest::addColumn<qint16>("lengthField");
+        for (const qint16 length :
+             {qint16(118), qint16(0), qint16(4), qint16(-1), qint16(1000),
+              std::numeric_limits<qint16>::max(), std::numeric_limits<qint16>::min()})
+            QTest::newRow(qPrintable(QString::number(length))) << length;
+    }
+
+    void weldRecordLengthFieldIgnored()
+    {
+        QFETCH(qint16, lengthField);
+        const ManualClock clock;
+        const CorvaneParser parser(MeasurementSystem::Metric, clock);
+        const QByteArray data =
+            Function26Frame::encodeData(SampleWelds::record(4), MeasurementSystem::Metric);
+        const QByteArray frame = Function26Frame::encodeFrame(26, data, lengthField);
+        ReceiveBuffer buffer(frame + bytes({0x10, 0x02}));
+        std::optional<CorvaneFUN26> record;
+        qsizetype consumed = 0;
+        parser.ProcessBlock(buffer, record, consumed);
+        QCOMPARE(consumed, 124);
+        QVERIFY(record);
+        QCOMPARE(*record, expectedWeld(4, clock));
+    }
+
+    void badEndMarker_data()
+    {
+        QTest::addColumn<QByteArray>("lead");
+        QTest::addColumn<QByteArray>("frame");
+        QTest::addColumn<int>("corrupt");
+        const QByteArray weld = weldFrame(5);
+        QTest::newRow("ETX wrong") << QByteArray() << weld << 123;
+        QTest::newRow("DLE wrong") << QByteArray() << weld << 122;
+        QTest::newRow("both wrong") << QByteArray() << weld << -1;
+        QTest::newRow("behind garbage") << bytes({0x01, 0x10}) << weld << 123;
+        QTest::newRow("other function, ETX wrong") << QByteArray() << otherFrame() << 9;
+        QTest::newRow("other function, DLE wrong")
+            << QByteArray() << otherFrame(5, bytes({1, 2, 3})) << 9;
+    }
+
+    void badEndMarker()
+    {
+        QFETCH(QByteArray, lead);
+        QFETCH(QByteArray, frame);
+        QFETCH(int, corrupt);
+        if (corrupt < 0) {
+            frame[frame.size() - 2] = '\x03';
+            frame[frame.size() - 1] = '\x10';
+        } else if (corrupt < frame.size()) {
+            frame[corrupt] = char(frame[corrupt] ^ 0x40);
+        }
+        const ManualClock clock;
+        const CorvaneParser parser(MeasurementSystem::Metric, clock);
+        // A good frame behind the bad one is not reached: the scan stops at the bad one.
+        const QByteArray stream = lead + frame + weldFrame(6) + bytes({0});
+        ReceiveBuffer buffer(stream);
+        try {
+            parser.GetFunction(buffer);
+            QFAIL("the bad end marker was accepted");
+        } catch (const ProgramError &error) {
+            QCOMPARE(error.number(), kProgramError);
+            QCOMPARE(error.number(), -2147221504);
+            QCOMPARE(error.description(), kEndOfTransmission);
+            QVERIFY2(error.source().contains(QLatin1String("CorvaneParser.ProcessBlock")),
+                     qPrintable(error.source()));
+            QVERIFY2(error.source().contains(QLatin1String("CorvaneParser.GetFunction")),
+                     qPrintable(error.source()));
+        }
+        QCOMPARE(buffer.toByteArray(), stream);
+
+        std::optional<CorvaneFUN26> record;
+        qsizetype consumed = -1;
+        QVERIFY_THROWS_EXCEPTION(ProgramError, parser.ProcessBlock(buffer, record, consumed));
+        QVERIFY(!record);
+        QCOMPARE(consumed, 0);
+    }
+
+    void badFrameWaitsLikeAGoodOne()
+    {
+        const ManualClock clock;
+        const CorvaneParser parser(MeasurementSystem::Metric, clock);
+        QByteArray frame = weldFrame(5);
+        frame[123] = '\x04';
+        ReceiveBuffer buffer(frame);
+        QVERIFY(!parser.GetFunction(buffer));
+        QCOMPARE(buffer.toByteArray(), frame);
+        AppendBytes(buffer, bytes({0}));
+        QVERIFY_THROWS_EXCEPTION(ProgramError, parser.GetFunction(buffer));
+    }
+
+    // A negative length in a frame of another function is not guarded against: the end
+    // marker is looked for in front of the frame. That must end in an error, or in a
+    // frame taken from the bytes in front, never in a read outside the buffer.
+    void negativeLengthOfOtherFunction_data()
+    {
+        QTest::addColumn<QByteArray>("lead");
+        QTest::addColumn<qint16>("length");
+        QTest::addColumn<qint32>("number");
+        QTest::newRow("before the buffer")
+            << QByteArray() << qint16(-100) << ProgramError::kSubscriptOutOfRange;
+        QTest::newRow("most negative") << bytes({0x55}) << std::numeric_limits<qint16>::min()
+                                       << ProgramError::kSubscriptOutOfRange;
+        QTest::newRow("minus one") << QByteArray() << qint16(-1) << kProgramError;
+        QTest::newRow("inside the frame") << QByteArray() << qint16(-3) << kProgramError;
+        QTest::newRow("inside the garbage in front")
+            << bytes({0x20, 0x21, 0x22, 0x23, 0x24, 0x25, 0x26, 0x27}) << qint16(-8)
+            << kProgramError;
+    }
+
+    void negativeLengthOfOtherFunction()
+    {
+        QFETCH(QByteArray, lead);
+        QFETCH(qint16, length);
+        QFETCH(qint32, number);
+        const ManualClock clock;
+        const CorvaneParser parser(MeasurementSystem::Metric, clock);
+        const QByteArray frame = Function26Frame::encodeFrame(5, QByteArray(10, '\x01'), length);
+        const QByteArray stream = lead + frame + bytes({0});
+        ReceiveBuffer buffer(stream);
+        try {
+            parser.GetFunction(buffer);
+            QFAIL("a negative length was accepted");
+        } catch (const ProgramError &error) {
+            QCOMPARE(error.number(), number);
+            QVERIFY2(error.source().endsWith(QLatin1String("CorvaneParser.GetFunction")),
+                     qPrintable(error.source()));
+        }
+        QCOMPARE(buffer.toByteArray(), stream);
+    }
+
+    // With DLE ETX standing in front of it, a frame of negative length L at position i
+    // counts as complete, and i + L + 6 bytes are consumed: here the two in front.
+    void negativeLengthFindsAnEndInFront()
+    {
+        const ManualClock clock;
+        const CorvaneParser parser(MeasurementSystem::Metric, clock);
+        const QByteArray frame = bytes({0x10, 0x02, 0xFF, 0xFA, 0x00, 0x05, 1, 2, 3, 4});
+        ReceiveBuffer buffer(bytes({0x10, 0x03}) + frame);
+        std::optional<CorvaneFUN26> record;
+        qsizetype consumed = 0;
+        parser.ProcessBlock(buffer, record, consumed);
+        QCOMPARE(consumed, 2);
+        QVERIFY(!parser.GetFunction(buffer));
+        QCOMPARE(buffer.toByteArray(), frame);
+        // Now at the buffer's start, the same frame looks before the buffer.
+        QVERIFY_THROWS_EXCEPTION(ProgramError, parser.GetFunction(buffer));
+        QCOMPARE(buffer.toByteArray(), frame);
+    }
+
+    // However the link splits a stream into arrivals, the records are those of one read.
+    void splitReadsGiveTheSameRecords()
+    {
+        const ManualClock clock;
+        const CorvaneParser parser(MeasurementSystem::Metric, clock);
+        const QByteArray stream = bytes({0x33, 0x10, 0x10}) + weldFrame(1) + weldFrame(2) +
+                                  bytes({0x10, 0x03, 0x02}) + otherFrame() + weldFrame(3) +
+                                  otherFrame(9, QByteArray(130, '\x10')) + weldFrame(4) +
+                                  bytes({0x10});
+        ReceiveBuffer whole(stream);
+        const QList<CorvaneFUN26> expected = drain(parser, whole);
+        QCOMPARE(expected.size(), 4);
+        for (int i = 0; i < 4; ++i)
+            QCOMPARE(expected[i], expectedWeld(i + 1, clock));
+
+        for (qsizetype split = 0; split <= stream.size(); ++split) {
+            ReceiveBuffer buffer;
+            AppendBytes(buffer, QByteArrayView(stream).first(split));
+            QList<CorvaneFUN26> records = drain(parser, buffer);
+            AppendBytes(buffer, QByteArrayView(stream).sliced(split));
+            records += drain(parser, buffer);
+            if (records != expected)
+                QFAIL(qPrintable(QStringLiteral("split at byte %1 differs").arg(split)));
+            QCOMPARE(buffer.toByteArray(), whole.toByteArray());
+        }
+        for (qsizetype piece = 1; piece <= 130; ++piece) {
+            ReceiveBuffer buffer;
+            QList<CorvaneFUN26> records;
+            for (qsizetype at = 0; at < stream.size(); at += piece) {
+                AppendBytes(buffer, QByteArrayView(stream).sliced(at).first(
+                                        qMin(piece, stream.size() - at)));
+                records += drain(parser, buffer);
+            }
+            if (records != expected)
+                QFAIL(qPrintable(QStringLiteral("pieces of %1 bytes differ").arg(piece)));
+        }
+    }
+};
+
+QTEST_GUILESS_MAIN(TestCorvaneParser)
+#include "tst_corvaneparser.moc"
