@@ -1,0 +1,290 @@
+#include "EquipmentMonitor.h"
+
+#include "DataLog.h"
+#include "LinkRules.h"
+#include "SamplingSeam.h"
+#include "WeldSimulator.h"
+
+#include "platform/Clock.h"
+#include "platform/ErrorPassing.h"
+
+#include <QUuid>
+
+EquipmentMonitor::EquipmentMonitor(MonitorServices services, QObject *parent)
+    : QObject(parent)
+    , m_services(std::move(services))
+    , m_identifier(QUuid::createUuid().toString(QUuid::WithoutBraces))
+{
+    m_sampling = m_services.makeSampling ? m_services.makeSampling() : nullptr;
+    if (!m_sampling)
+        m_sampling = std::make_unique<NullSampling>();
+    m_link = std::make_unique<EquipmentLink>(m_services.clock, static_cast<LinkHost &>(*this),
+                                             m_services.makeSocket, m_services.makeSerialPort);
+    m_dataLog = std::make_unique<DataLog>(m_services.eventLog, m_services.errors);
+    m_simulator = std::make_unique<WeldSimulator>(m_services.randomSeed);
+
+    m_timer.setInterval(kTimerIntervalMs);
+    connect(&m_timer, &QTimer::timeout, this, &EquipmentMonitor::Timer1_Timer);
+}
+
+EquipmentMonitor::~EquipmentMonitor()
+{
+    m_timer.stop();
+    // The ports go first, so that nothing they report on closing reaches a half-gone
+    // monitor.
+    m_link.reset();
+}
+
+QString EquipmentMonitor::translate(QStringView token) const
+{
+    return m_language->Translate(token);
+}
+
+void EquipmentMonitor::Initialize(const qlxLanguage &language, int slotIndex)
+{
+    Q_UNUSED(slotIndex) // the main window's tab slot; the monitor does not need it
+    reportFailures(m_services.errors, "CorvaneUsw.Initialize", [&] {
+        m_language = &language;
+        InitializeDatasets();
+        setStartStopCaption(translate(u"3786|&Start"));
+        showConnectionLabel(GetSocketState());
+        m_timer.start();
+    });
+}
+
+// ---- Start and stop ------------------------------------------------------------------
+
+void EquipmentMonitor::StartStop()
+{
+    reportFailures(m_services.errors, "CorvaneUsw.bnStartStop_Click", [&] {
+        if (m_link->isSerial()) {
+            if (m_link->serialPortOpen())
+                stopCollection();
+            else
+                startCollection();
+            return;
+        }
+        switch (LinkRules::startStopAction(m_link->socketState())) {
+        case LinkRules::StartStopAction::Start:
+            startCollection();
+            break;
+        case LinkRules::StartStopAction::Stop:
+            stopCollection();
+            break;
+        case LinkRules::StartStopAction::Ignore:
+            break;
+        }
+    });
+}
+
+void EquipmentMonitor::StartDataCollection()
+{
+    reportFailures(m_services.errors, "CorvaneUsw.StartDataCollection", [&] { startCollection(); });
+}
+
+void EquipmentMonitor::StopDataCollection()
+{
+    reportFailures(m_services.errors, "CorvaneUsw.StopDataCollection", [&] { stopCollection(); });
+}
+
+void EquipmentMonitor::startCollection()
+{
+    passOn("CorvaneUsw.StartDataCollection", [&] {
+        if (m_sampling->Enabled() && !m_sampling->StartCollection(*m_language))
+            return;
+        m_alarms.clear();
+        emit alarmsChanged();
+        InitializeDatasets();
+        m_sampling->InitializeSpecificationLimits(m_datasets);
+        m_startTime = m_services.clock.now();
+        EnableDisplayItems(false);
+        InitializeDataLogging();
+        if (m_link->isSerial())
+            m_link->ReconnectComm(*m_language);
+        else
+            m_link->ReconnectSocket();
+    });
+}
+
+void EquipmentMonitor::stopCollection()
+{
+    passOn("CorvaneUsw.StopDataCollection", [&] {
+        m_link->setLinkState(1);
+        m_link->close();
+        NotifyStopped();
+        m_sampling->StopCollection(*m_language, m_datasets);
+        EnableDisplayItems(true);
+    });
+}
+
+void EquipmentMonitor::NotifyStarted()
+{
+    setStartStopCaption(translate(u"929|&Stop"));
+}
+
+void EquipmentMonitor::NotifyStopped()
+{
+    setStartStopCaption(translate(u"3786|&Start"));
+}
+
+void EquipmentMonitor::EnableDisplayItems(bool enabled)
+{
+    m_displayItemsEnabled = enabled;
+    emit displayItemsEnabledChanged(enabled);
+}
+
+QString EquipmentMonitor::GetRunTimeText(qint64 seconds)
+{
+    const qint64 hours = seconds / 3600;
+    const qint64 minutes = seconds % 3600 / 60;
+    const qint64 rest = seconds % 60;
+    return QStringLiteral("%1:%2:%3")
+        .arg(hours, 2, 10, QLatin1Char('0'))
+        .arg(minutes, 2, 10, QLatin1Char('0'))
+        .arg(rest, 2, 10, QLatin1Char('0'));
+}
+
+qint64 EquipmentMonitor::elapsedSeconds() const
+{
+    if (!m_startTime.isValid() || !m_lastWeldTime.isValid())
+        return 0;
+    return m_startTime.secsTo(m_lastWeldTime);
+}
+
+bool EquipmentMonitor::ShutDown()
+{
+    bool done = false;
+    reportFailures(m_services.errors, "CorvaneUsw.ShutDown", [&] {
+        m_configuration.rows.fill(0);
+        m_alarms.clear();
+        emit alarmsChanged();
+        RefreshDisplay();
+        EnableDisplayItems(true);
+        // A monitor that was shut down must neither reconnect nor receive in the
+        // background while its slot waits to be reused.
+        m_timer.stop();
+        m_link->close();
+        m_link->setLinkState(0);
+        done = true;
+    });
+    return done;
+}
+
+int EquipmentMonitor::DriverState() const
+{
+    return m_link->linkState();
+}
+
+bool EquipmentMonitor::SPCSamplingEnabled() const
+{
+    return m_sampling->Enabled();
+}
+
+// ---- Configuration -------------------------------------------------------------------
+
+bool EquipmentMonitor::Load(const QString &xml)
+{
+    bool loaded = false;
+    reportFailures(m_services.errors, "CorvaneUsw.Load", [&] {
+        MonitorConfiguration configuration = m_configuration;
+        const auto isCharacteristic = [](int number) {
+            return number >= 1 && number <= kCharacteristicCount;
+        };
+        if (ConfigurationElement::read(xml, configuration, *m_sampling, isCharacteristic)) {
+            m_configuration = configuration;
+            m_link->setAddress(m_configuration.address);
+        }
+        m_link->setLinkState(1);
+        RefreshDisplay();
+        loaded = true;
+    });
+    return loaded;
+}
+
+QDomElement EquipmentMonitor::GetXMLNode() const
+{
+    m_xmlDocument = QDomDocument();
+    QDomElement element = ConfigurationElement::write(m_xmlDocument, m_configuration, *m_sampling);
+    m_xmlDocument.appendChild(element);
+    return element;
+}
+
+void EquipmentMonitor::setEquipment(const QString &name, const QString &address)
+{
+    m_configuration.name = name;
+    m_configuration.address = address;
+    m_link->setAddress(address);
+}
+
+void EquipmentMonitor::setDataLogging(bool enabled, const QString &fileName)
+{
+    m_configuration.dataLoggingEnabled = enabled;
+    m_configuration.dataLogFile = fileName;
+}
+
+int EquipmentMonitor::rowSelection(int row) const
+{
+    return row >= 0 && row < kRowCount ? m_configuration.rows[row] : 0;
+}
+
+void EquipmentMonitor::setRowSelection(int row, int characteristic)
+{
+    if (row < 0 || row >= kRowCount)
+        return;
+    const bool known = characteristic >= 1 && characteristic <= kCharacteristicCount;
+    m_configuration.rows[row] = known ? characteristic : 0;
+    RefreshDisplay();
+}
+
+QList<QPair<QString, qint32>> EquipmentMonitor::LoadTests() const
+{
+    QList<QPair<QString, qint32>> entries;
+    for (const auto &dataset : m_datasets)
+        entries.append({dataset->Name, dataset->ID});
+    return entries;
+}
+
+// ---- Data log ------------------------------------------------------------------------
+
+void EquipmentMonitor::InitializeDataLogging()
+{
+    m_dataLog->InitializeDataLogging(m_configuration.dataLoggingEnabled,
+                                     m_configuration.dataLogFile, *m_language);
+}
+
+void EquipmentMonitor::appendToDataLog(const CorvaneFUN26 &record)
+{
+    if (m_configuration.dataLoggingEnabled)
+        m_dataLog->AppendFile(m_configuration.dataLogFile, record.Record(m_format));
+}
+
+// ---- Captions and indicators ---------------------------------------------------------
+
+void EquipmentMonitor::setStartStopCaption(const QString &caption)
+{
+    if (caption == m_startStopCaption)
+        return;
+    m_startStopCaption = caption;
+    emit startStopCaptionChanged(caption);
+}
+
+void EquipmentMonitor::showConnectionLabel(const QString &label)
+{
+    if (label == m_connectionLabel)
+        return;
+    m_connectionLabel = label;
+    emit connectionLabelChanged(label);
+}
+
+void EquipmentMonitor::showConnectionProblem(bool problem)
+{
+    if (problem == m_connectionProblem)
+        return;
+    m_connectionProblem = problem;
+    emit connectionProblemChanged(problem);
+}
+
+void EquipmentMonitor::RefreshDisplay()
+{
+    emit displayRefreshRequested();
+}

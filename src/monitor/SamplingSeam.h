@@ -1,0 +1,52 @@
+#pragma once
+
+#include <QDomDocument>
+#include <QDomElement>
+
+struct CorvaneFUN26;
+class DatasetCollection;
+class qlxLanguage;
+
+// What the equipment monitor asks of its SPC sampling object: start and stop a
+// collection with the monitor's run, add every weld to the current period, close
+// finished periods on every timer tick, and keep its settings in the "Sampling" element
+// of the monitor's configuration. Each operation reports its own failures; none of them
+// throws to the monitor.
+class SamplingSeam
+{
+public:
+    virtual ~SamplingSeam() = default;
+
+    // True when collection started; false leaves the monitor stopped.
+    virtual bool StartCollection(const qlxLanguage &language) = 0;
+    virtual void StopCollection(const qlxLanguage &language, const DatasetCollection &datasets) = 0;
+    virtual void AddToSample(const qlxLanguage &language, const CorvaneFUN26 &record) = 0;
+    virtual void ProcessSamplePeriod(const qlxLanguage &language,
+                                     const DatasetCollection &datasets) = 0;
+    virtual bool Enabled() const = 0;
+
+    // The "Sampling" element built in document, for the monitor to append to its
+    // configuration; a null element when there is nothing to write.
+    virtual QDomElement GetXMLNode(QDomDocument &document) = 0;
+    // Reads the "Sampling" child of the monitor's "Configuration" element.
+    virtual void SetXMLNode(const QDomElement &configuration) = 0;
+
+    // Copies the SPC database's specification limits of the configured part into the
+    // datasets of the same name, when sampling is enabled.
+    virtual void InitializeSpecificationLimits(DatasetCollection &datasets) = 0;
+};
+
+// The sampling object of a monitor without SPC sampling: never enabled, starts
+// nothing, writes no element.
+class NullSampling : public SamplingSeam
+{
+public:
+    bool StartCollection(const qlxLanguage &) override { return true; }
+    void StopCollection(const qlxLanguage &, const DatasetCollection &) override {}
+    void AddToSample(const qlxLanguage &, const CorvaneFUN26 &) override {}
+    void ProcessSamplePeriod(const qlxLanguage &, const DatasetCollection &) override {}
+    bool Enabled() const override { return false; }
+    QDomElement GetXMLNode(QDomDocument &) override { return {}; }
+    void SetXMLNode(const QDomElement &) override {}
+    void InitializeSpecificationLimits(DatasetCollection &) override {}
+};

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "FakePorts.h"
+
+#include "ManualClock.h"
+#include "RecordingErrorReport.h"
+
+#include "monitor/EquipmentMonitor.h"
+#include "platform/EventLog.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <memory>
+
+// One monitor under test with its services: a hand-moved clock, an error report that
+// keeps what it is shown, a real event log file in a temporary folder, and fake ports
+// that the test reaches through socket and serial once the monitor has made them.
+struct MonitorFixture
+{
+    explicit MonitorFixture(bool debugMode = false,
+                            MeasurementSystem system = MeasurementSystem::Metric,
+                            std::function<std::unique_ptr<SamplingSeam>()> makeSampling = {});
+
+    // A monitor with the given address, initialized and loaded.
+    void configure(const QString &address, bool dataLogging = false);
+
+    QString dataLogPath() const { return folder.filePath(QStringLiteral("welds.txt")); }
+    QStringList dataLogLines() const;
+    QStringList eventLogLines() const;
+
+    QTemporaryDir folder;
+    ManualClock clock;
+    RecordingErrorReport errors;
+    EventLog eventLog;
+    qlxLanguage language;
+    FakeSocketPort *socket = nullptr;
+    FakeSerialPort *serial = nullptr;
+    // The serial port that the monitor makes refuses to open (unknown or busy).
+    bool refuseSerialPort = false;
+    std::unique_ptr<EquipmentMonitor> monitor;
+};
+
+// The lines of a text file ended by CR LF; empty when the file is missing.
+QStringList crlfLines(const QString &path);
