@@ -115,13 +115,20 @@ private slots:
     {
         QTest::addColumn<QString>("decimals");
         QTest::addColumn<QString>("expected");
-        QTest::newRow("default") << "4" << "0.0000";
-        QTest::newRow("one") << "1" << "0.0";
-        QTest::newRow("zero") << "0" << "";
-        QTest::newRow("negative") << "-2" << "";
-        QTest::newRow("not a number") << "many" << "";
-        QTest::newRow("blanks around") << " 2 " << "0.00";
-        QTest::newRow("empty") << "" << "";
+        QTest::newRow("default") << "4"
+                                 << "0.0000";
+        QTest::newRow("one") << "1"
+                             << "0.0";
+        QTest::newRow("zero") << "0"
+                              << "";
+        QTest::newRow("negative") << "-2"
+                                  << "";
+        QTest::newRow("not a number") << "many"
+                                      << "";
+        QTest::newRow("blanks around") << " 2 "
+                                       << "0.00";
+        QTest::newRow("empty") << ""
+                               << "";
     }
 
     void numberFormat()

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QString>
+#include <QVector>
+
+#include <span>
+
+class Dataset;
+
+// What the summary of one characteristic shows: its name, the limits it is counted and
+// drawn against, its figures and all its values.
+struct SummaryFigures
+{
+    QString Title;
+    double USL = 0;
+    double LSL = 0;
+    double WarningUpper = 0;
+    double WarningLower = 0;
+    double Minimum = 0;
+    double Maximum = 0;
+    double Average = 0;
+    QString NumberFormat;
+    QVector<double> Values;
+
+    // Takes the figures of a Dataset. A limit that the Dataset does not define is replaced
+    // by the end of its values on that side (never crossing the other limit), so nothing is
+    // counted beyond it and the histogram spans the values; a missing warning limit is the
+    // specification limit on that side.
+    static SummaryFigures fromDataset(const Dataset &dataset);
+};
+
+// Values strictly below or above a limit, walking the whole array: a value equal to the
+// limit is inside. A count beyond the signed 32-bit range is an overflow.
+qint32 countBelow(std::span<const double> values, double limit);
+qint32 countAbove(std::span<const double> values, double limit);

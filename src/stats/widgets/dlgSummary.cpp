@@ -1,0 +1,197 @@
+#include "dlgSummary.h"
+
+#include "Histogram.h"
+#include "StatsCaptions.h"
+#include "platform/ErrorPassing.h"
+#include "platform/qlxLanguage.h"
+#include "stats/NumberPicture.h"
+
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include <limits>
+
+namespace {
+
+QFont scaledFont(QFont font, double factor, bool bold)
+{
+    if (font.pointSizeF() > 0)
+        font.setPointSizeF(font.pointSizeF() * factor);
+    else
+        font.setPixelSize(qRound(font.pixelSize() * factor));
+    font.setBold(bold);
+    return font;
+}
+
+} // namespace
+
+dlgSummary::dlgSummary(const qlxLanguage &language, ErrorReport &errors, QWidget *parent)
+    : QDialog(parent)
+    , m_language(language)
+    , m_errors(errors)
+{
+    setObjectName(QStringLiteral("dlgSummary"));
+    setModal(true);
+
+    m_lblTitle = new QLabel(this);
+    m_lblTitle->setObjectName(QStringLiteral("lblTitle"));
+    m_lblTitle->setFont(scaledFont(font(), 1.5, true));
+
+    auto *grid = new QGridLayout;
+    grid->setHorizontalSpacing(12);
+    m_lblMinimumCaption = addCaption(QStringLiteral("lblMinimumCaption"));
+    m_lblMinimum = addFigure(QStringLiteral("lblMinimum"));
+    m_lblAverageCaption = addCaption(QStringLiteral("lblAverageCaption"));
+    m_lblAverage = addFigure(QStringLiteral("lblAverage"));
+    m_lblMaximumCaption = addCaption(QStringLiteral("lblMaximumCaption"));
+    m_lblMaximum = addFigure(QStringLiteral("lblMaximum"));
+    m_lblCountLSLCaption = addCaption(QStringLiteral("lblCountLSLCaption"));
+    m_lblCountLSL = addFigure(QStringLiteral("lblCountLSL"));
+    m_lblCountUSLCaption = addCaption(QStringLiteral("lblCountUSLCaption"));
+    m_lblCountUSL = addFigure(QStringLiteral("lblCountUSL"));
+    m_lblTotalCaption = addCaption(QStringLiteral("lblTotalCaption"));
+    m_lblTotal = addFigure(QStringLiteral("lblTotal"));
+
+    // The running figures on the left, the counts beyond the limits on the right.
+    grid->addWidget(m_lblMinimumCaption, 0, 0);
+    grid->addWidget(m_lblMinimum, 0, 1);
+    grid->addWidget(m_lblAverageCaption, 1, 0);
+    grid->addWidget(m_lblAverage, 1, 1);
+    grid->addWidget(m_lblMaximumCaption, 2, 0);
+    grid->addWidget(m_lblMaximum, 2, 1);
+    grid->addWidget(m_lblCountLSLCaption, 0, 3);
+    grid->addWidget(m_lblCountLSL, 0, 4);
+    grid->addWidget(m_lblCountUSLCaption, 1, 3);
+    grid->addWidget(m_lblCountUSL, 1, 4);
+    grid->addWidget(m_lblTotalCaption, 2, 3);
+    grid->addWidget(m_lblTotal, 2, 4);
+    grid->setColumnMinimumWidth(2, 24);
+    grid->setColumnStretch(5, 1);
+
+    m_histogram = new Histogram(this);
+    m_histogram->setObjectName(QStringLiteral("ctlHistogram"));
+    m_histogram->setErrorReport(&m_errors);
+    m_histogram->setMinimumSize(440, 220);
+
+    m_bnClose = new QPushButton(this);
+    m_bnClose->setObjectName(QStringLiteral("bnClose"));
+    m_bnClose->setDefault(true);
+    connect(m_bnClose, &QPushButton::clicked, this, &dlgSummary::bnClose_Click);
+
+    auto *buttons = new QHBoxLayout;
+    buttons->addStretch(1);
+    buttons->addWidget(m_bnClose);
+
+    auto *layout = new QVBoxLayout(this);
+    layout->addWidget(m_lblTitle);
+    layout->addLayout(grid);
+    layout->addWidget(m_histogram, 1);
+    layout->addLayout(buttons);
+}
+
+dlgSummary::~dlgSummary() = default;
+
+std::unique_ptr<dlgSummary> dlgSummary::fromDataset(const Dataset &dataset,
+                                                    const qlxLanguage &language,
+                                                    ErrorReport &errors, QWidget *parent)
+{
+    auto dialog = std::make_unique<dlgSummary>(language, errors, parent);
+    dialog->setFigures(SummaryFigures::fromDataset(dataset));
+    return dialog;
+}
+
+QLabel *dlgSummary::addCaption(const QString &objectName)
+{
+    auto *label = new QLabel(this);
+    label->setObjectName(objectName);
+    return label;
+}
+
+QLabel *dlgSummary::addFigure(const QString &objectName)
+{
+    auto *label = new QLabel(this);
+    label->setObjectName(objectName);
+    label->setFont(scaledFont(font(), 1.2, true));
+    label->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    return label;
+}
+
+void dlgSummary::setFigures(SummaryFigures figures)
+{
+    m_figures = std::move(figures);
+    m_loaded = false;
+}
+
+qint32 dlgSummary::CountLSL() const
+{
+    return passOn("dlgSummary.CountLSL", [this] {
+        return countBelow(
+            std::span<const double>(m_figures.Values.constData(), m_figures.Values.size()),
+            m_figures.LSL);
+    });
+}
+
+qint32 dlgSummary::CountUSL() const
+{
+    return passOn("dlgSummary.CountUSL", [this] {
+        return countAbove(
+            std::span<const double>(m_figures.Values.constData(), m_figures.Values.size()),
+            m_figures.USL);
+    });
+}
+
+void dlgSummary::showEvent(QShowEvent *event)
+{
+    if (!m_loaded)
+        Form_Load();
+    QDialog::showEvent(event);
+}
+
+void dlgSummary::Form_Load()
+{
+    m_loaded = true;
+    reportFailures(m_errors, "dlgSummary.Form_Load", [this] {
+        const auto translate = [this](QStringView token) { return m_language.Translate(token); };
+        setWindowTitle(m_figures.Title);
+        m_lblTitle->setText(m_figures.Title);
+        m_bnClose->setText(translate(StatsCaptions::kClose));
+        m_lblMinimumCaption->setText(translate(StatsCaptions::kMinimum));
+        m_lblMaximumCaption->setText(translate(StatsCaptions::kMaximum));
+        m_lblAverageCaption->setText(translate(StatsCaptions::kAverage));
+        m_lblTotalCaption->setText(translate(StatsCaptions::kTotal));
+        m_lblCountLSLCaption->setText(translate(StatsCaptions::kCount) + QStringLiteral(" < ") +
+                                      translate(StatsCaptions::kLSL));
+        m_lblCountUSLCaption->setText(translate(StatsCaptions::kCount) + QStringLiteral(" > ") +
+                                      translate(StatsCaptions::kUSL));
+
+        const NumberPicture picture(m_figures.NumberFormat);
+        m_lblMinimum->setText(picture.format(m_figures.Minimum, locale()));
+        m_lblMaximum->setText(picture.format(m_figures.Maximum, locale()));
+        m_lblAverage->setText(picture.format(m_figures.Average, locale()));
+
+        const qint32 below = CountLSL();
+        m_lblCountLSL->setText(QString::number(below));
+        const qint32 above = CountUSL();
+        m_lblCountUSL->setText(QString::number(above));
+        if (qint64(below) + above > std::numeric_limits<qint32>::max())
+            throw ProgramError::overflow(QStringLiteral("dlgSummary.Form_Load"));
+        m_lblTotal->setText(QString::number(below + above));
+
+        m_histogram->setAutoRefresh(false);
+        m_histogram->setLimits(m_figures.LSL, m_figures.USL);
+        m_histogram->setWarningUpper(m_figures.WarningUpper);
+        m_histogram->setWarningLower(m_figures.WarningLower);
+        m_histogram->setNumberFormat(m_figures.NumberFormat);
+        m_histogram->setValues(m_figures.Values);
+        m_histogram->Refresh();
+    });
+}
+
+void dlgSummary::bnClose_Click()
+{
+    reportFailures(m_errors, "dlgSummary.bnClose_Click", [this] { accept(); });
+}

@@ -1,0 +1,325 @@
+#include "stats/widgets/BgrColor.h"
+#include "stats/widgets/HorizontalMeter.h"
+
+#include "platform/ProgramError.h"
+
+#include <QApplication>
+#include <QImage>
+#include <QPalette>
+#include <QTest>
+
+#include <optional>
+
+namespace {
+
+constexpr int kWidth = 440;
+constexpr int kHeight = 50;
+
+const QString kLimitsCrossed = QStringLiteral("Invalid Value! LimitLower > LimitUpper!");
+
+// Runs a call that must be refused and returns the failure it raised.
+template <typename Call> std::optional<ProgramError> refusal(Call call)
+{
+    try {
+        call();
+    } catch (const ProgramError &error) {
+        return error;
+    }
+    return std::nullopt;
+}
+
+// A meter as a monitor row shows it: switched on, with a unit and values.
+void showData(HorizontalMeter &meter)
+{
+    meter.resize(kWidth, kHeight);
+    meter.setUnit(QStringLiteral("mm"));
+    meter.setMeterEnabled(true);
+    meter.Refresh();
+}
+
+QImage grabImage(HorizontalMeter &meter)
+{
+    return meter.grab().toImage();
+}
+
+// Where the apex of a marker must stand: the pinned position, column 5 of its box, on the
+// first row under the bar.
+QPoint pinnedRightApex(const HorizontalMeter &meter)
+{
+    return QPoint(meter.barRect().left() + kWidth - HorizontalMeter::kMarkerWidth - 3 + 5,
+                  meter.barRect().bottom() + 1);
+}
+
+class PaintCounter : public QObject
+{
+public:
+    int paints = 0;
+
+protected:
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        if (event->type() == QEvent::Paint)
+            ++paints;
+        return false;
+    }
+};
+
+} // namespace
+
+// The horizontal meter of a monitor row: its properties, the limit rule that makes the
+// owner widen before it narrows, and what it actually paints.
+class TestHorizontalMeter : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void defaultsThroughTheirPropertyNames()
+    {
+        HorizontalMeter meter;
+        QCOMPARE(meter.property("LimitUpper").toDouble(), 10.0);
+        QCOMPARE(meter.property("LimitLower").toDouble(), 0.0);
+        QCOMPARE(meter.property("ValueCurrent").toDouble(), 5.0);
+        QCOMPARE(meter.property("ValueMaximum").toDouble(), 7.5);
+        QCOMPARE(meter.property("ValueMinimum").toDouble(), 2.5);
+        QCOMPARE(meter.property("ValueAverage").toDouble(), 5.0);
+        QCOMPARE(meter.property("NumberFormat").toString(), QStringLiteral("0.0000"));
+        QCOMPARE(meter.property("Unit").toString(), QString());
+        QCOMPARE(meter.property("HideLimitUpper").toBool(), false);
+        QCOMPARE(meter.property("HideLimitLower").toBool(), false);
+        QCOMPARE(meter.property("ShowBorder").toBool(), false);
+        QCOMPARE(meter.property("AutoRefresh").toBool(), false);
+        QCOMPARE(meter.property("Enabled").toBool(), false);
+        // The meter's own switch is not QWidget's enabled state.
+        QVERIFY(meter.isEnabled());
+        QCOMPARE(meter.property("ColorMeter").value<QColor>(),
+                 meter.palette().color(QPalette::Button));
+        for (const char *name : {"ColorCurrent", "ColorMinimum", "ColorAverage", "ColorMaximum"})
+            QCOMPARE(meter.property(name).value<QColor>(), QColor(Qt::black));
+    }
+
+    void designColoursConvert()
+    {
+        QCOMPARE(BgrColor::toColor(BgrColor::kRed), QColor(255, 0, 0));
+        QCOMPARE(BgrColor::toColor(BgrColor::kGreen), QColor(0, 255, 0));
+        QCOMPARE(BgrColor::toColor(BgrColor::kYellow), QColor(255, 255, 0));
+        QCOMPARE(BgrColor::toColor(0x123456), QColor(0x56, 0x34, 0x12));
+        QCOMPARE(BgrColor::fromColor(QColor(0x56, 0x34, 0x12)), 0x123456u);
+    }
+
+    void crossingLimitsAreRefused()
+    {
+        HorizontalMeter meter;
+        auto error = refusal([&] { meter.setLimitLower(20); });
+        QVERIFY(error);
+        QCOMPARE(error->number(), qint32(0x80040000u));
+        QCOMPARE(error->description(), kLimitsCrossed);
+        QCOMPARE(error->source(), QStringLiteral("HorizontalMeter.LimitLower"));
+        QCOMPARE(meter.LimitLower(), 0.0);
+
+        error = refusal([&] { meter.setLimitUpper(-0.5); });
+        QVERIFY(error);
+        QCOMPARE(error->description(), kLimitsCrossed);
+        QCOMPARE(error->source(), QStringLiteral("HorizontalMeter.LimitUpper"));
+        QCOMPARE(meter.LimitUpper(), 10.0);
+
+        // Equal limits are allowed.
+        meter.setLimitLower(10);
+        QCOMPARE(meter.LimitLower(), 10.0);
+
+        error = refusal([&] { meter.setLimits(7, 6); });
+        QVERIFY(error);
+        QCOMPARE(error->description(), kLimitsCrossed);
+        QCOMPARE(meter.LimitLower(), 10.0);
+        QCOMPARE(meter.LimitUpper(), 10.0);
+    }
+
+    // The monitor moves the scale after every weld; a range that jumps past the old one
+    // in either direction must never pass through crossed limits.
+    void rangesMoveInTheSafeOrder()
+    {
+        HorizontalMeter meter;
+        const QList<QPair<double, double>> ranges = {{20, 30}, {-50, -40},  {-45, 100},    {5, 5},
+                                                     {4, 6},   {1000, 1e6}, {-1e6, -1000}, {0, 0}};
+        for (const auto &[lower, upper] : ranges) {
+            meter.setLimits(lower, upper);
+            QCOMPARE(meter.LimitLower(), lower);
+            QCOMPARE(meter.LimitUpper(), upper);
+        }
+
+        // Narrowing first is exactly what the rule refuses.
+        meter.setLimits(0, 10);
+        QVERIFY(refusal([&] { meter.setLimitLower(20); }));
+        meter.setLimitUpper(30);
+        meter.setLimitLower(20);
+        QCOMPARE(meter.LimitLower(), 20.0);
+    }
+
+    void valuesReachTheFaceOnlyThroughALayout()
+    {
+        HorizontalMeter meter;
+        showData(meter);
+        const double before = meter.face().markerLeft[meterMarkerIndex(MeterMarker::Current)];
+        QCOMPARE(meter.face().valueTexts[meterMarkerIndex(MeterMarker::Current)],
+                 QStringLiteral("5.0000 mm"));
+
+        meter.setValueCurrent(9);
+        QCOMPARE(meter.face().markerLeft[meterMarkerIndex(MeterMarker::Current)], before);
+        meter.Refresh();
+        QVERIFY(meter.face().markerLeft[meterMarkerIndex(MeterMarker::Current)] > before);
+        QCOMPARE(meter.face().valueTexts[meterMarkerIndex(MeterMarker::Current)],
+                 QStringLiteral("9.0000 mm"));
+
+        meter.setAutoRefresh(true);
+        meter.setNumberFormat(QStringLiteral("0.0"));
+        meter.setValueMaximum(12.25);
+        QCOMPARE(meter.face().valueTexts[meterMarkerIndex(MeterMarker::Maximum)],
+                 QStringLiteral("12.3 mm"));
+        QCOMPARE(meter.face().frame.upperLabel, QStringLiteral("10.0"));
+        QVERIFY(meter.toolTip().contains(QStringLiteral("12.3 mm")));
+    }
+
+    void labelsFollowEnabledAndHideOptions()
+    {
+        HorizontalMeter meter;
+        meter.resize(kWidth, kHeight);
+        meter.setUnit(QStringLiteral("J"));
+        meter.Refresh();
+        QVERIFY(!meter.face().frame.lowerLabelShown);
+        QVERIFY(!meter.face().frame.upperLabelShown);
+        QVERIFY(!meter.face().frame.unitShown);
+        QVERIFY(!meter.face().markersShown);
+
+        meter.setMeterEnabled(true);
+        meter.setHideLimitUpper(true);
+        meter.Refresh();
+        QVERIFY(meter.face().frame.lowerLabelShown);
+        QVERIFY(!meter.face().frame.upperLabelShown);
+        QVERIFY(meter.face().frame.unitShown);
+
+        meter.setUnit(QString());
+        meter.Refresh();
+        QVERIFY(!meter.face().frame.unitShown);
+    }
+
+    // After a weld beyond a limit the monitor turns the bar red; after the next good one
+    // green again. The bar sits in the cached frame, which must follow.
+    void barTakesItsColourOnEveryRefresh()
+    {
+        HorizontalMeter meter;
+        showData(meter);
+        const QPoint barMiddle(meter.barRect().center().x(), meter.barRect().center().y());
+
+        meter.setColorMeter(BgrColor::toColor(BgrColor::kRed));
+        meter.setValueCurrent(12);
+        meter.Refresh();
+        QCOMPARE(grabImage(meter).pixelColor(barMiddle), QColor(255, 0, 0));
+
+        meter.setColorMeter(BgrColor::toColor(BgrColor::kGreen));
+        // Without a refresh the face stays as last laid out.
+        QCOMPARE(grabImage(meter).pixelColor(barMiddle), QColor(255, 0, 0));
+        meter.Refresh();
+        QCOMPARE(grabImage(meter).pixelColor(barMiddle), QColor(0, 255, 0));
+    }
+
+    void markerBeyondTheLimitIsPinnedToTheEdge()
+    {
+        HorizontalMeter meter;
+        showData(meter);
+        meter.setValueCurrent(1e6);
+        meter.setColorCurrent(Qt::red);
+        meter.Refresh();
+
+        const QImage image = grabImage(meter);
+        const QPoint apex = pinnedRightApex(meter);
+        QCOMPARE(image.pixelColor(apex), QColor(Qt::red));
+        // The triangle's base row is nine pixels wide, its apex one.
+        QCOMPARE(image.pixelColor(apex + QPoint(-4, 4)), QColor(Qt::red));
+        QCOMPARE(image.pixelColor(apex + QPoint(4, 4)), QColor(Qt::red));
+        const QColor background = meter.palette().color(QPalette::Window);
+        QCOMPARE(image.pixelColor(apex + QPoint(5, 4)), background);
+        QCOMPARE(image.pixelColor(apex + QPoint(-1, 0)), background);
+        QVERIFY(apex.x() < meter.width());
+    }
+
+    void switchedOffMeterShowsNoMarkers()
+    {
+        HorizontalMeter meter;
+        showData(meter);
+        meter.setValueCurrent(1e6);
+        meter.setColorCurrent(Qt::red);
+        meter.setMeterEnabled(false);
+        meter.Refresh();
+        const QImage image = grabImage(meter);
+        const QColor background = meter.palette().color(QPalette::Window);
+        QCOMPARE(image.pixelColor(pinnedRightApex(meter)), background);
+        const QRect box = meter.markerBox(MeterMarker::Minimum);
+        QCOMPARE(image.pixelColor(box.left() + 5, box.top() + 3), background);
+    }
+
+    // On a screen with two device pixels per unit the triangle is twice as large and the
+    // bar is drawn sharp, not scaled up from a one-to-one picture.
+    void drawsAtDevicePixelRatioTwo()
+    {
+        HorizontalMeter meter;
+        showData(meter);
+        meter.setValueCurrent(1e6);
+        meter.setColorCurrent(Qt::red);
+        meter.setColorMeter(BgrColor::toColor(BgrColor::kYellow));
+        meter.Refresh();
+
+        QImage image(meter.size() * 2, QImage::Format_ARGB32_Premultiplied);
+        image.setDevicePixelRatio(2);
+        image.fill(Qt::white);
+        meter.render(&image);
+
+        const QPoint apex = pinnedRightApex(meter) * 2;
+        for (const QPoint offset : {QPoint(0, 0), QPoint(1, 0), QPoint(0, 1), QPoint(1, 1)})
+            QCOMPARE(image.pixelColor(apex + offset), QColor(Qt::red));
+        QCOMPARE(image.pixelColor(apex + QPoint(-1, 0)), meter.palette().color(QPalette::Window));
+        // The bar's outline is one unit, two device pixels; the fill starts right inside.
+        const int middle = meter.barRect().center().x() * 2;
+        const int top = meter.barRect().top() * 2;
+        QCOMPARE(image.pixelColor(middle, top + 2), QColor(255, 255, 0));
+        QVERIFY(image.pixelColor(middle, top + 1) != QColor(255, 255, 0));
+    }
+
+    void resizeLaysTheMarkersOutAgain()
+    {
+        HorizontalMeter meter;
+        showData(meter);
+        meter.setValueCurrent(10);
+        meter.setColorCurrent(Qt::red);
+        meter.Refresh();
+        meter.resize(kWidth * 2, kHeight);
+        const QImage image = grabImage(meter);
+        // The upper limit of a bar of 880 stands at 840; the apex points at it.
+        const QPoint apex(meter.barRect().left() + 840, meter.barRect().bottom() + 1);
+        QCOMPARE(image.pixelColor(apex), QColor(Qt::red));
+    }
+
+    // A weld burst changes many properties in a row; each schedules a repaint, and the
+    // burst is painted once.
+    void burstOfChangesPaintsOnce()
+    {
+        HorizontalMeter meter;
+        showData(meter);
+        meter.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&meter));
+        QCoreApplication::processEvents();
+
+        PaintCounter counter;
+        meter.installEventFilter(&counter);
+        meter.setAutoRefresh(true);
+        for (int i = 0; i < 200; ++i) {
+            meter.setValueCurrent(i % 11);
+            meter.setColorMeter(i % 2 ? Qt::red : Qt::green);
+        }
+        QCOMPARE(counter.paints, 0);
+        QTRY_COMPARE(counter.paints, 1);
+        QTest::qWait(50);
+        QCOMPARE(counter.paints, 1);
+    }
+};
+
+QTEST_MAIN(TestHorizontalMeter)
+#include "tst_horizontalmeter.moc"

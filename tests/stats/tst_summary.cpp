@@ -1,0 +1,239 @@
+#include "RecordingErrorReport.h"
+
+#include "platform/qlxLanguage.h"
+#include "stats/Dataset.h"
+#include "stats/SummaryFigures.h"
+#include "stats/widgets/Histogram.h"
+#include "stats/widgets/dlgSummary.h"
+
+#include <QLabel>
+#include <QTest>
+
+namespace {
+
+QString labelText(const dlgSummary &dialog, const char *name)
+{
+    const auto *label = dialog.findChild<QLabel *>(QLatin1String(name));
+    return label ? label->text() : QStringLiteral("<no %1>").arg(QLatin1String(name));
+}
+
+SummaryFigures figures(QVector<double> values, double lsl, double usl)
+{
+    SummaryFigures f;
+    f.Title = QStringLiteral("Energy");
+    f.LSL = lsl;
+    f.USL = usl;
+    f.WarningLower = lsl;
+    f.WarningUpper = usl;
+    f.NumberFormat = QStringLiteral("0.0000");
+    f.Values = std::move(values);
+    return f;
+}
+
+qint64 binned(const Histogram &histogram)
+{
+    qint64 sum = 0;
+    for (const HistogramBin &bin : histogram.bins())
+        sum += bin.count;
+    return sum;
+}
+
+} // namespace
+
+// The summary dialog of one characteristic: counts beyond the limits, figures, captions
+// and the histogram it hands the values to.
+class TestSummary : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void countsBeyondTheLimits_data()
+    {
+        QTest::addColumn<QVector<double>>("values");
+        QTest::addColumn<int>("below");
+        QTest::addColumn<int>("above");
+        QTest::newRow("no values") << QVector<double>() << 0 << 0;
+        QTest::newRow("values on the limits are inside")
+            << QVector<double>{100, 200, 150} << 0 << 0;
+        QTest::newRow("three below, two above")
+            << QVector<double>{99.9999, 150, 0, -5, 200.0001, 1e9, 199} << 3 << 2;
+    }
+
+    void countsBeyondTheLimits()
+    {
+        QFETCH(QVector<double>, values);
+        QFETCH(int, below);
+        QFETCH(int, above);
+        qlxLanguage language;
+        RecordingErrorReport errors;
+        dlgSummary dialog(language, errors);
+        dialog.setFigures(figures(values, 100, 200));
+        QCOMPARE(dialog.CountLSL(), below);
+        QCOMPARE(dialog.CountUSL(), above);
+
+        dialog.show();
+        QCOMPARE(labelText(dialog, "lblCountLSL"), QString::number(below));
+        QCOMPARE(labelText(dialog, "lblCountUSL"), QString::number(above));
+        QCOMPARE(labelText(dialog, "lblTotal"), QString::number(below + above));
+        QVERIFY(errors.isEmpty());
+    }
+
+    void captionsGoThroughTheLanguage()
+    {
+        qlxLanguage language;
+        RecordingErrorReport errors;
+        {
+            dlgSummary dialog(language, errors);
+            dialog.Form_Load();
+            QCOMPARE(labelText(dialog, "lblCountLSLCaption"), QStringLiteral("Count < LSL"));
+            QCOMPARE(labelText(dialog, "lblCountUSLCaption"), QStringLiteral("Count > USL"));
+        }
+        language.setText(1899, QStringLiteral("Anzahl"));
+        language.setText(1180, QStringLiteral("UGW"));
+        language.setText(1178, QStringLiteral("OGW"));
+        dlgSummary dialog(language, errors);
+        dialog.Form_Load();
+        QCOMPARE(labelText(dialog, "lblCountLSLCaption"), QStringLiteral("Anzahl < UGW"));
+        QCOMPARE(labelText(dialog, "lblCountUSLCaption"), QStringLiteral("Anzahl > OGW"));
+        QVERIFY(errors.isEmpty());
+    }
+
+    void figuresInTheNumberFormat()
+    {
+        qlxLanguage language;
+        RecordingErrorReport errors;
+        dlgSummary dialog(language, errors);
+        dialog.setLocale(QLocale(QLocale::German, QLocale::Germany));
+        SummaryFigures f = figures({1, 2}, 0, 10);
+        f.Minimum = 1;
+        f.Maximum = 2.125;
+        f.Average = 1.5625;
+        f.NumberFormat = QStringLiteral("0.00");
+        f.Title = QStringLiteral("Peak Power");
+        dialog.setFigures(f);
+        dialog.Form_Load();
+        QCOMPARE(labelText(dialog, "lblTitle"), QStringLiteral("Peak Power"));
+        QCOMPARE(labelText(dialog, "lblMinimum"), QStringLiteral("1,00"));
+        QCOMPARE(labelText(dialog, "lblMaximum"), QStringLiteral("2,13"));
+        QCOMPARE(labelText(dialog, "lblAverage"), QStringLiteral("1,56"));
+    }
+
+    // The histogram gets everything first and is then drawn once.
+    void histogramIsFilledThenDrawn()
+    {
+        qlxLanguage language;
+        RecordingErrorReport errors;
+        dlgSummary dialog(language, errors);
+        SummaryFigures f = figures({-1, 0, 5, 5, 10, 11, 12}, 0, 10);
+        f.WarningLower = 2;
+        f.WarningUpper = 8;
+        dialog.setFigures(f);
+        dialog.Form_Load();
+        Histogram *histogram = dialog.histogram();
+        QCOMPARE(histogram->objectName(), QStringLiteral("ctlHistogram"));
+        QVERIFY(!histogram->AutoRefresh());
+        QCOMPARE(histogram->LimitLower(), 0.0);
+        QCOMPARE(histogram->LimitUpper(), 10.0);
+        QCOMPARE(histogram->WarningLower(), 2.0);
+        QCOMPARE(histogram->WarningUpper(), 8.0);
+        QCOMPARE(histogram->values().size(), 7);
+        // -0.5 .. 10.5: -1, 11 and 12 lie outside the drawing range.
+        QCOMPARE(binned(*histogram), 4);
+    }
+
+    // Limits handed over crossed stop the load where the histogram refuses them; the labels
+    // filled before stay, and the failure is reported with the dialog's location.
+    void failureLeavesTheLabelsFilledSoFar()
+    {
+        qlxLanguage language;
+        RecordingErrorReport errors;
+        dlgSummary dialog(language, errors);
+        dialog.setFigures(figures({1, 50, 300}, 200, 100));
+        dialog.Form_Load();
+        QCOMPARE(errors.count(), 1);
+        QCOMPARE(errors.last().location, QStringLiteral("dlgSummary.Form_Load"));
+        QCOMPARE(errors.last().number, qint32(0x80040000u));
+        QCOMPARE(errors.last().description,
+                 QStringLiteral("Invalid Value! LimitLower > LimitUpper!"));
+        QCOMPARE(labelText(dialog, "lblCountLSL"), QStringLiteral("2"));
+        QCOMPARE(labelText(dialog, "lblCountUSL"), QStringLiteral("1"));
+        QCOMPARE(labelText(dialog, "lblTotal"), QStringLiteral("3"));
+    }
+
+    void figuresFromADataset_data()
+    {
+        QTest::addColumn<int>("flags");
+        QTest::addColumn<double>("lsl");
+        QTest::addColumn<double>("usl");
+        QTest::addColumn<double>("warningLower");
+        QTest::addColumn<double>("warningUpper");
+        QTest::addColumn<int>("drawn");
+        // Values 3 to 7; limits in the Dataset: 4 .. 6 specification, 4.5 .. 5.5 warning.
+        // The histogram draws the values within 5% of the limit range beyond the limits.
+        QTest::newRow("all four limits") << (2 | 4 | 16 | 32) << 4.0 << 6.0 << 4.5 << 5.5 << 3;
+        QTest::newRow("specification limits only") << (2 | 32) << 4.0 << 6.0 << 4.0 << 6.0 << 3;
+        QTest::newRow("no limits: the values' ends") << 0 << 3.0 << 7.0 << 3.0 << 7.0 << 5;
+        QTest::newRow("lower limit only") << 32 << 4.0 << 7.0 << 4.0 << 7.0 << 4;
+        QTest::newRow("upper limit only") << 2 << 3.0 << 6.0 << 3.0 << 6.0 << 4;
+    }
+
+    void figuresFromADataset()
+    {
+        QFETCH(int, flags);
+        QFETCH(double, lsl);
+        QFETCH(double, usl);
+        QFETCH(double, warningLower);
+        QFETCH(double, warningUpper);
+        QFETCH(int, drawn);
+        RecordingErrorReport errors;
+        Dataset dataset(errors);
+        dataset.Name = QStringLiteral("Weld Time");
+        dataset.Decimals = QStringLiteral("3");
+        dataset.LimitFlags = flags;
+        dataset.LowerSpecLimit = 4;
+        dataset.UpperSpecLimit = 6;
+        dataset.LowerWarningLimit = 4.5;
+        dataset.UpperWarningLimit = 5.5;
+        for (const double value : {5.0, 3.0, 7.0, 4.0, 6.0})
+            dataset.AddValue(value);
+
+        qlxLanguage language;
+        const auto dialog = dlgSummary::fromDataset(dataset, language, errors);
+        const SummaryFigures &f = dialog->figures();
+        QCOMPARE(f.Title, QStringLiteral("Weld Time"));
+        QCOMPARE(f.LSL, lsl);
+        QCOMPARE(f.USL, usl);
+        QCOMPARE(f.WarningLower, warningLower);
+        QCOMPARE(f.WarningUpper, warningUpper);
+        QCOMPARE(f.Minimum, 3.0);
+        QCOMPARE(f.Maximum, 7.0);
+        QCOMPARE(f.Average, 5.0);
+        QCOMPARE(f.NumberFormat, QStringLiteral("0.000"));
+        QCOMPARE(f.Values, dataset.GetDataset());
+
+        dialog->Form_Load();
+        QCOMPARE(labelText(*dialog, "lblAverage"), QStringLiteral("5.000"));
+        QCOMPARE(binned(*dialog->histogram()), drawn);
+        QVERIFY(errors.isEmpty());
+    }
+
+    // A lower limit above every value: the missing upper end must not cross it.
+    void missingLimitNeverCrossesTheOther()
+    {
+        RecordingErrorReport errors;
+        Dataset dataset(errors);
+        dataset.LimitFlags = Dataset::kLowerSpecLimit;
+        dataset.LowerSpecLimit = 50;
+        dataset.AddValue(10);
+        dataset.AddValue(20);
+        qlxLanguage language;
+        const auto dialog = dlgSummary::fromDataset(dataset, language, errors);
+        dialog->Form_Load();
+        QVERIFY(errors.isEmpty());
+        QCOMPARE(labelText(*dialog, "lblCountLSL"), QStringLiteral("2"));
+        QCOMPARE(labelText(*dialog, "lblCountUSL"), QStringLiteral("0"));
+    }
+};
+
+QTEST_MAIN(TestSummary)
+#include "tst_summary.moc"
