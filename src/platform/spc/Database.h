@@ -1,0 +1,84 @@
+#pragma once
+
+#include "Records.h"
+#include "Subgroup.h"
+
+#include <QDateTime>
+#include <QList>
+#include <QObject>
+#include <QString>
+
+namespace qlaDatabase6 {
+
+// One stored value of a subgroup with everything that identifies it, as reports list
+// them.
+struct StoredValue
+{
+    qint64 subgroupId = 0;
+    SubgroupHeader header;
+    QString testItem;
+    int kind = TestItem::kMeasuredValue;
+    qint32 sampleNumber = 0;
+    double value = 0;
+    QString text;
+};
+
+// Which subgroups a report covers; empty texts and an invalid time cover all.
+struct SubgroupFilter
+{
+    QString part;
+    QString process;
+    QDateTime since;
+};
+
+// A monitor's connection to the SPC database. It carries the data source name and the
+// connection state; the records and the subgroup are loaded and stored through it.
+// Operations other than opening throw a ProgramError on failure (the connection's
+// last error text says the same).
+class Database : public QObject
+{
+    Q_OBJECT
+
+public:
+    using QObject::QObject;
+
+    virtual QString dataSourceName() const = 0;
+    // Takes a new data source; a connection to a different one is closed.
+    virtual void setDataSourceName(const QString &dsn) = 0;
+    virtual bool isConnected() const = 0;
+    // Connects to the data source, creating or bringing forward its tables. Returns
+    // whether it is connected; when not, lastErrorText() says why. Emits connected()
+    // on success.
+    virtual bool openConnection() = 0;
+    virtual void closeConnection() = 0;
+    virtual QString lastErrorText() const = 0;
+
+    // The schema version the connected database is at.
+    virtual int schemaVersion() = 0;
+
+    virtual bool loadRecord(Record &record) = 0;
+    virtual bool loadSpecLimit(SpecLimit &limit) = 0;
+    virtual qint64 storeSubgroup(const Subgroup &subgroup) = 0;
+
+    // Records of a kind whose name contains the filter (any case), by name.
+    virtual QList<Record> listRecords(RecordKind kind, const QString &filter = {}) = 0;
+    // Creates a record; groupName (parts and processes only) must name an existing
+    // group or be empty. Throws when the name is taken or not acceptable.
+    virtual Record createRecord(RecordKind kind, const QString &name,
+                                const QString &groupName = {}) = 0;
+
+    virtual QList<SpecLimit> listSpecLimits() = 0;
+    // Sets the limits of the limit's part and test, replacing those it had.
+    virtual void setSpecLimit(const SpecLimit &limit) = 0;
+    // Removes them; returns whether there were any.
+    virtual bool clearSpecLimit(qint64 partId, qint64 testId) = 0;
+
+    // Every stored value of the subgroups the filter covers, oldest subgroup first,
+    // test items in the order they were added, values by sample number.
+    virtual QList<StoredValue> subgroupValues(const SubgroupFilter &filter) = 0;
+
+signals:
+    void connected();
+};
+
+} // namespace qlaDatabase6

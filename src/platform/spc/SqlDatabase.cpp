@@ -1,0 +1,278 @@
+#include "SqlDatabase.h"
+
+#include "PasswordFile.h"
+#include "Schema.h"
+#include "SqlTables.h"
+
+#include <QSqlError>
+#include <QSqlQuery>
+
+#include <atomic>
+
+namespace qlaDatabase6 {
+
+namespace {
+
+std::atomic<int> g_connectionNumber{0};
+
+QString sqliteOptions()
+{
+    // Several monitors may write the same file: wait for each other's transactions.
+    return QStringLiteral("QSQLITE_BUSY_TIMEOUT=10000");
+}
+
+QString serverOptions()
+{
+    // An address that never answers must not hold the monitor for minutes.
+    return QStringLiteral("connect_timeout=10;application_name=corvane");
+}
+
+} // namespace
+
+SqlDatabase::SqlDatabase(QObject *parent)
+    : Database(parent)
+    , m_connectionName(QStringLiteral("corvane-spc-%1").arg(++g_connectionNumber))
+{}
+
+SqlDatabase::~SqlDatabase()
+{
+    dropConnection();
+}
+
+void SqlDatabase::setDataSourceName(const QString &dsn)
+{
+    if (dsn == m_dataSourceName)
+        return;
+    closeConnection();
+    m_dataSourceName = dsn;
+}
+
+bool SqlDatabase::isConnected() const
+{
+    return m_open;
+}
+
+void SqlDatabase::fail(const QString &text)
+{
+    m_lastError = text;
+    dropConnection();
+}
+
+bool SqlDatabase::openConnection()
+{
+    dropConnection();
+    m_lastError.clear();
+    QString problem;
+    if (!DataSource::parse(m_dataSourceName, m_source, problem)) {
+        fail(problem);
+        return false;
+    }
+    const bool sqlite = m_source.kind() == DataSource::Kind::SQLite;
+    m_dialect = sqlite ? Dialect::SQLite : Dialect::PostgreSQL;
+    const QString driver = sqlite ? QStringLiteral("QSQLITE") : QStringLiteral("QPSQL");
+    if (!QSqlDatabase::isDriverAvailable(driver)) {
+        fail(QStringLiteral("The database driver %1 is not installed").arg(driver));
+        return false;
+    }
+    m_database = QSqlDatabase::addDatabase(driver, m_connectionName);
+    if (sqlite) {
+        m_database.setDatabaseName(m_source.filePath());
+        m_database.setConnectOptions(sqliteOptions());
+    } else {
+        m_database.setHostName(m_source.host());
+        m_database.setPort(m_source.port());
+        m_database.setDatabaseName(m_source.database());
+        m_database.setUserName(m_source.user());
+        m_database.setPassword(PasswordFile::resolvePassword(m_source.host(), m_source.port(),
+                                                             m_source.database(), m_source.user()));
+        m_database.setConnectOptions(serverOptions());
+    }
+    if (!m_database.open()) {
+        fail(QStringLiteral("Unable to connect to %1: %2")
+                 .arg(m_dataSourceName, m_database.lastError().text().trimmed()));
+        return false;
+    }
+    try {
+        if (sqlite)
+            sql::executeDirect(m_database, QStringLiteral("PRAGMA foreign_keys = ON"),
+                               "SqlDatabase.openConnection");
+        Schema::migrate(m_database, m_dialect);
+    } catch (const ProgramError &error) {
+        fail(error.description());
+        return false;
+    }
+    m_open = true;
+    m_reconnect = true;
+    emit connected();
+    return true;
+}
+
+void SqlDatabase::closeConnection()
+{
+    m_reconnect = false;
+    dropConnection();
+}
+
+void SqlDatabase::dropConnection()
+{
+    m_open = false;
+    if (!m_database.isValid())
+        return;
+    m_database.close();
+    m_database = QSqlDatabase();
+    QSqlDatabase::removeDatabase(m_connectionName);
+}
+
+void SqlDatabase::ensureOpen(const char *procedure)
+{
+    if (m_open)
+        return;
+    if (m_reconnect && openConnection())
+        return;
+    QString text = QStringLiteral("Not connected to the SPC database");
+    if (!m_lastError.isEmpty())
+        text += QStringLiteral(" (") + m_lastError + u')';
+    throw ProgramError::raised(text, QLatin1String(procedure));
+}
+
+void SqlDatabase::noteFailure(const ProgramError &error)
+{
+    m_lastError = error.description();
+    if (m_open && !serverAnswers())
+        dropConnection();
+}
+
+bool SqlDatabase::serverAnswers()
+{
+    if (!m_database.isOpen())
+        return false;
+    QSqlQuery probe(m_database);
+    return probe.exec(QStringLiteral("SELECT 1")) && probe.next();
+}
+
+int SqlDatabase::schemaVersion()
+{
+    return guarded("SqlDatabase.schemaVersion",
+                   [&] { return Schema::currentVersion(m_database, m_dialect); });
+}
+
+bool SqlDatabase::loadRecord(Record &record)
+{
+    return guarded("SqlDatabase.loadRecord", [&] {
+        const QString table = tables::recordTable(record.kind());
+        const bool grouped = tables::hasGroup(record.kind());
+        QString statement = grouped ? QStringLiteral("SELECT r.id, r.name, g.id, g.name FROM %1 r"
+                                                     " LEFT JOIN spc_groups g ON g.id = r.group_id")
+                                          .arg(table)
+                                    : QStringLiteral("SELECT r.id, r.name FROM %1 r").arg(table);
+        QVariant key;
+        if (record.lookup() == Record::kLookupByName) {
+            statement += QStringLiteral(" WHERE r.name = ?");
+            key = record.name();
+        } else if (record.lookup() == Record::kLookupById) {
+            statement += QStringLiteral(" WHERE r.id = ?");
+            key = record.id();
+        } else {
+            throw ProgramError::raised(
+                QStringLiteral("Unknown look-up selector %1").arg(record.lookup()),
+                QStringLiteral("SqlDatabase.loadRecord"));
+        }
+        QSqlQuery query = sql::execute(m_database, statement, {key}, "SqlDatabase.loadRecord");
+        if (!query.next()) {
+            record.setId(0);
+            record.setGroupId(0);
+            record.setGroupName({});
+            return false;
+        }
+        record.setId(query.value(0).toLongLong());
+        record.setName(query.value(1).toString());
+        record.setGroupId(grouped ? query.value(2).toLongLong() : 0);
+        record.setGroupName(grouped ? query.value(3).toString() : QString());
+        return true;
+    });
+}
+
+bool SqlDatabase::loadSpecLimit(SpecLimit &limit)
+{
+    return guarded("SqlDatabase.loadSpecLimit", [&] {
+        if (limit.partSelector() != SpecLimit::kByIdentifier ||
+            limit.testSelector() != SpecLimit::kByIdentifier)
+            throw ProgramError::raised(
+                QStringLiteral("Specification limits are found by part and test identifier "
+                               "only (selectors 1 and 1, not %1 and %2)")
+                    .arg(limit.partSelector())
+                    .arg(limit.testSelector()),
+                QStringLiteral("SqlDatabase.loadSpecLimit"));
+        QSqlQuery query =
+            sql::execute(m_database,
+                         QStringLiteral("SELECT limit_flags, upper_spec_limit, lower_spec_limit,"
+                                        " upper_warning_limit, lower_warning_limit FROM spec_limits"
+                                        " WHERE part_id = ? AND test_id = ?"),
+                         {limit.partId(), limit.testId()}, "SqlDatabase.loadSpecLimit");
+        if (!query.next()) {
+            limit.clearLimits();
+            return false;
+        }
+        limit.setLimits(query.value(0).toInt(), query.value(1).toDouble(),
+                        query.value(2).toDouble(), query.value(3).toDouble(),
+                        query.value(4).toDouble());
+        return true;
+    });
+}
+
+qint64 SqlDatabase::storeSubgroup(const Subgroup &subgroup)
+{
+    return guarded("SqlDatabase.storeSubgroup", [&] {
+        const char *const procedure = "SqlDatabase.storeSubgroup";
+        const SubgroupHeader &header = subgroup.header();
+        if (!header.dateTime.isValid())
+            throw ProgramError::raised(QStringLiteral("The subgroup has no date and time"),
+                                       QLatin1String(procedure));
+        // The statements outlive the transaction: a failed one is rolled back while
+        // its statements still exist, so the server can release them cleanly.
+        QSqlQuery insertSubgroup = sql::prepare(
+            m_database,
+            QStringLiteral("INSERT INTO subgroups (header_flag, value_count, sample_time,"
+                           " part_group, part, process_group, process, source_tag)"
+                           " VALUES (?, ?, ?, ?, ?, ?, ?, ?) RETURNING id"),
+            procedure);
+        QSqlQuery insertItem = sql::prepare(
+            m_database,
+            QStringLiteral("INSERT INTO test_items (subgroup_id, item_order, name, kind)"
+                           " VALUES (?, ?, ?, ?) RETURNING id"),
+            procedure);
+        QSqlQuery insertValue = sql::prepare(
+            m_database,
+            QStringLiteral("INSERT INTO sample_values (test_item_id, sample_number, value,"
+                           " value_text) VALUES (?, ?, ?, ?)"),
+            procedure);
+        if (!m_database.transaction())
+            throw sql::failure(m_database.lastError(), QLatin1String(procedure));
+        try {
+            sql::run(insertSubgroup,
+                     {header.flag ? 1 : 0, header.valueCount, tables::timeText(header.dateTime),
+                      header.partGroup, header.part, header.processGroup, header.process,
+                      header.sourceTag},
+                     procedure);
+            const qint64 subgroupId = tables::returnedId(insertSubgroup, procedure);
+            int order = 0;
+            for (const TestItem &item : subgroup.testItems()) {
+                sql::run(insertItem, {subgroupId, ++order, item.name, item.kind}, procedure);
+                const qint64 itemId = tables::returnedId(insertItem, procedure);
+                for (const SubgroupValue &value : item.values)
+                    sql::run(
+                        insertValue,
+                        {itemId, value.sampleNumber, value.value, tables::optionalText(value.text)},
+                        procedure);
+            }
+            if (!m_database.commit())
+                throw sql::failure(m_database.lastError(), QLatin1String(procedure));
+            return subgroupId;
+        } catch (...) {
+            m_database.rollback();
+            throw;
+        }
+    });
+}
+
+} // namespace qlaDatabase6

@@ -1,0 +1,489 @@
+#include "ScratchDatabase.h"
+
+#include "platform/spc/Schema.h"
+#include "platform/spc/SqlDatabase.h"
+
+#include <QSignalSpy>
+#include <QSqlQuery>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace qlaDatabase6;
+
+namespace {
+
+const QDateTime kPeriodEnd(QDate(2026, 11, 14), QTime(22, 10, 0, 250));
+
+SubgroupHeader header(const QString &part, const QDateTime &time)
+{
+    SubgroupHeader header;
+    header.flag = true;
+    header.valueCount = 3;
+    header.dateTime = time;
+    header.partGroup = QStringLiteral("Line 3");
+    header.part = part;
+    header.processGroup = QStringLiteral("Corvane");
+    header.process = QStringLiteral("Seal weld");
+    header.sourceTag = QStringLiteral("Corvane");
+    return header;
+}
+
+// A period of three welds: two sampled characteristics, the weld rate and one alarm
+// group with two alarms, the way the monitor writes it.
+Subgroup periodSubgroup(const QString &part, const QDateTime &time)
+{
+    Subgroup subgroup;
+    subgroup.setHeader(header(part, time));
+    subgroup.AddTestItem(QStringLiteral("Energy"), TestItem::kMeasuredValue);
+    subgroup.addValue(1, 812.5);
+    subgroup.addValue(2, 799.25);
+    subgroup.addValue(3, 0.1);
+    subgroup.AddTestItem(QStringLiteral("Weld Time"), TestItem::kMeasuredValue);
+    subgroup.addValue(1, 1.0 / 3.0);
+    subgroup.AddTestItem(QStringLiteral("Data Rate"), TestItem::kMeasuredValue);
+    subgroup.addValue(1, 0.6);
+    subgroup.AddTestItem(QStringLiteral("Reject Part Alarms"), TestItem::kAlarmList);
+    subgroup.addValue(1, 1.0, QStringLiteral("Peak Power, \"upper\" limit"));
+    subgroup.addValue(2, 1.0, QStringLiteral("Überlast\nzweite Zeile"));
+    return subgroup;
+}
+
+bool connectTo(SqlDatabase &database, const QString &dsn)
+{
+    database.setDataSourceName(dsn);
+    const bool connected = database.openConnection();
+    if (!connected)
+        qWarning("%s", qPrintable(database.lastErrorText()));
+    return connected;
+}
+
+} // namespace
+
+// The SPC database on both servers: the schema and its migrations, records found by
+// exact name, limits with their flag word, and subgroups stored whole or not at all.
+class TestSpcDatabase : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void createsSchemaOnFirstConnection_data() { addBackendRows(); }
+    void createsSchemaOnFirstConnection()
+    {
+        SCRATCH_DATABASE(scratch);
+        {
+            SqlDatabase database;
+            QSignalSpy connected(&database, &Database::connected);
+            QVERIFY(connectTo(database, scratch.dsn()));
+            QVERIFY(database.isConnected());
+            QCOMPARE(connected.count(), 1);
+            QCOMPARE(database.schemaVersion(), Schema::latestVersion());
+        }
+        RawConnection raw(scratch.dsn());
+        QVERIFY2(raw.isOpen(), qPrintable(raw.errorText()));
+        for (const char *table : {"spc_groups", "parts", "processes", "tests", "spec_limits",
+                                  "subgroups", "test_items", "sample_values"})
+            QVERIFY2(raw.scalar(QStringLiteral("SELECT COUNT(*) FROM %1").arg(QLatin1String(table)))
+                         .isValid(),
+                     table);
+        QCOMPARE(raw.count(QStringLiteral("schema_version")), 1);
+
+        // A second connection finds the schema in place and leaves it as it is.
+        SqlDatabase again;
+        QVERIFY(connectTo(again, scratch.dsn()));
+        QCOMPARE(raw.count(QStringLiteral("schema_version")), 1);
+        QCOMPARE(again.schemaVersion(), Schema::latestVersion());
+    }
+
+    void migratesOlderVersionForward_data() { addBackendRows(); }
+    void migratesOlderVersionForward()
+    {
+        SCRATCH_DATABASE(scratch);
+        {
+            // A database as the first release left it, with data in it.
+            RawConnection raw(scratch.dsn());
+            QVERIFY2(raw.isOpen(), qPrintable(raw.errorText()));
+            Schema::migrate(raw.database(), raw.dialect(), 1);
+            QCOMPARE(Schema::currentVersion(raw.database(), raw.dialect()), 1);
+            QVERIFY(!raw.hasIndex(QStringLiteral("subgroups_by_part")));
+            QVERIFY2(raw.exec(QStringLiteral("INSERT INTO spc_groups (name) VALUES ('Line 1')")),
+                     qPrintable(raw.errorText()));
+            QVERIFY(raw.exec(QStringLiteral("INSERT INTO parts (name, group_id) VALUES (?, ?)"),
+                             {QStringLiteral("Housing"),
+                              raw.scalar(QStringLiteral("SELECT id FROM spc_groups"))}));
+        }
+        SqlDatabase database;
+        QVERIFY(connectTo(database, scratch.dsn()));
+        QCOMPARE(database.schemaVersion(), Schema::latestVersion());
+        RawConnection raw(scratch.dsn());
+        for (const char *index : {"subgroups_by_time", "subgroups_by_part", "subgroups_by_process",
+                                  "test_items_by_subgroup", "sample_values_by_item"})
+            QVERIFY2(raw.hasIndex(QLatin1String(index)), index);
+        Part part;
+        part.setName(QStringLiteral("Housing"));
+        QVERIFY(part.load(database));
+        QCOMPARE(part.groupName(), QStringLiteral("Line 1"));
+        QVERIFY(periodSubgroup(QStringLiteral("Housing"), kPeriodEnd).store(database) > 0);
+    }
+
+    void refusesNewerSchema_data() { addBackendRows(); }
+    void refusesNewerSchema()
+    {
+        SCRATCH_DATABASE(scratch);
+        const int future = Schema::latestVersion() + 5;
+        {
+            RawConnection raw(scratch.dsn());
+            Schema::migrate(raw.database(), raw.dialect());
+            QVERIFY(raw.exec(QStringLiteral("UPDATE schema_version SET version = ?"), {future}));
+        }
+        SqlDatabase database;
+        QSignalSpy connected(&database, &Database::connected);
+        database.setDataSourceName(scratch.dsn());
+        QVERIFY(!database.openConnection());
+        QVERIFY(!database.isConnected());
+        QCOMPARE(connected.count(), 0);
+        QVERIFY2(database.lastErrorText().contains(QStringLiteral("version %1").arg(future)),
+                 qPrintable(database.lastErrorText()));
+        RawConnection raw(scratch.dsn());
+        QCOMPARE(Schema::currentVersion(raw.database(), raw.dialect()), future);
+    }
+
+    void namesAreUniqueAndLookupsExact_data() { addBackendRows(); }
+    void namesAreUniqueAndLookupsExact()
+    {
+        SCRATCH_DATABASE(scratch);
+        SqlDatabase database;
+        QVERIFY(connectTo(database, scratch.dsn()));
+        const Record created = database.createRecord(RecordKind::Part, QStringLiteral("Housing A"));
+        QVERIFY(created.id() > 0);
+        // Another kind may carry the same name.
+        QVERIFY(database.createRecord(RecordKind::Process, QStringLiteral("Housing A")).id() > 0);
+
+        const auto refused = [&](RecordKind kind, const QString &name, const QString &group,
+                                 const QString &why) {
+            try {
+                database.createRecord(kind, name, group);
+            } catch (const ProgramError &error) {
+                return error.description().contains(why);
+            }
+            return false;
+        };
+        QVERIFY(refused(RecordKind::Part, QStringLiteral("Housing A"), {}, "already exists"));
+        QVERIFY(refused(RecordKind::Part, QStringLiteral(" Housing B"), {}, "blanks"));
+        QVERIFY(refused(RecordKind::Test, QStringLiteral("  "), {}, "needs a name"));
+        QVERIFY(refused(RecordKind::Part, QStringLiteral("Housing C"), QStringLiteral("Nowhere"),
+                        "no group"));
+        QVERIFY(refused(RecordKind::Test, QStringLiteral("Energy"), QStringLiteral("Line 3"),
+                        "no group"));
+        QVERIFY(database.isConnected());
+
+        for (const QString &name : {QStringLiteral("housing a"), QStringLiteral("Housing A "),
+                                    QStringLiteral("Housing"), QString()}) {
+            Part part;
+            part.setName(name);
+            QVERIFY2(!part.load(database), qPrintable(name));
+            QCOMPARE(part.id(), qint64(0));
+        }
+        Part part;
+        part.setName(QStringLiteral("Housing A"));
+        QVERIFY(part.load(database));
+        QCOMPARE(part.id(), created.id());
+        QCOMPARE(part.groupId(), qint64(0));
+    }
+
+    void listsRecordsByFilter_data() { addBackendRows(); }
+    void listsRecordsByFilter()
+    {
+        SCRATCH_DATABASE(scratch);
+        SqlDatabase database;
+        QVERIFY(connectTo(database, scratch.dsn()));
+        for (const char *name : {"horn_7", "Horn 7", "anvil 100%", "Booster"})
+            database.createRecord(RecordKind::Test, QLatin1String(name));
+        const auto names = [&](const QString &filter) {
+            QStringList found;
+            for (const Record &record : database.listRecords(RecordKind::Test, filter))
+                found.append(record.name());
+            return found;
+        };
+        QCOMPARE(names({}), QStringList({"anvil 100%", "Booster", "Horn 7", "horn_7"}));
+        QCOMPARE(names(QStringLiteral("HORN")), QStringList({"Horn 7", "horn_7"}));
+        // Pattern characters in a filter stand for themselves.
+        QCOMPARE(names(QStringLiteral("_")), QStringList({"horn_7"}));
+        QCOMPARE(names(QStringLiteral("0%")), QStringList({"anvil 100%"}));
+        QCOMPARE(names(QStringLiteral("x")), QStringList());
+    }
+
+    void limitsCarryTheirFlagWord_data() { addBackendRows(); }
+    void limitsCarryTheirFlagWord()
+    {
+        SCRATCH_DATABASE(scratch);
+        SqlDatabase database;
+        QVERIFY(connectTo(database, scratch.dsn()));
+        const Record part = database.createRecord(RecordKind::Part, QStringLiteral("Housing"));
+        const Record energy = database.createRecord(RecordKind::Test, QStringLiteral("Energy"));
+        const Record time = database.createRecord(RecordKind::Test, QStringLiteral("Weld Time"));
+        const auto load = [&](qint64 testId) {
+            SpecLimit limit;
+            limit.setPartId(part.id());
+            limit.setTestId(testId);
+            limit.load(database);
+            return limit;
+        };
+
+        SpecLimit limit;
+        limit.setPartId(part.id());
+        limit.setTestId(energy.id());
+        limit.setUpperSpecLimit(812.5);
+        limit.setLowerWarningLimit(-2.25);
+        database.setSpecLimit(limit);
+        SpecLimit stored = load(energy.id());
+        QCOMPARE(stored.limitFlags(), SpecLimit::kUpperSpecLimit | SpecLimit::kLowerWarningLimit);
+        QCOMPARE(stored.upperSpecLimit(), 812.5);
+        QCOMPARE(stored.lowerWarningLimit(), -2.25);
+        QCOMPARE(stored.lowerSpecLimit(), 0.0);
+        QCOMPARE(stored.upperWarningLimit(), 0.0);
+        QCOMPARE(load(time.id()).limitFlags(), 0);
+
+        // Setting again replaces the whole record.
+        SpecLimit replacement;
+        replacement.setPartId(part.id());
+        replacement.setTestId(energy.id());
+        replacement.setLowerSpecLimit(1.0 / 3.0);
+        replacement.setUpperWarningLimit(700);
+        database.setSpecLimit(replacement);
+        stored = load(energy.id());
+        QCOMPARE(stored.limitFlags(), SpecLimit::kLowerSpecLimit | SpecLimit::kUpperWarningLimit);
+        QCOMPARE(stored.lowerSpecLimit(), 1.0 / 3.0);
+        QCOMPARE(stored.upperSpecLimit(), 0.0);
+
+        SpecLimit inverted = replacement;
+        inverted.setUpperSpecLimit(0.25);
+        QVERIFY_THROWS_EXCEPTION(ProgramError, database.setSpecLimit(inverted));
+        QCOMPARE(load(energy.id()).limitFlags(), replacement.limitFlags());
+
+        const QList<SpecLimit> listed = database.listSpecLimits();
+        QCOMPARE(listed.size(), 1);
+        QCOMPARE(listed.first().partName(), QStringLiteral("Housing"));
+        QCOMPARE(listed.first().testName(), QStringLiteral("Energy"));
+        QCOMPARE(listed.first().upperWarningLimit(), 700.0);
+
+        QVERIFY(database.clearSpecLimit(part.id(), energy.id()));
+        QVERIFY(!database.clearSpecLimit(part.id(), energy.id()));
+        QCOMPARE(load(energy.id()).limitFlags(), 0);
+        QVERIFY(database.listSpecLimits().isEmpty());
+    }
+
+    void subgroupStoredWhole_data() { addBackendRows(); }
+    void subgroupStoredWhole()
+    {
+        SCRATCH_DATABASE(scratch);
+        SqlDatabase database;
+        QVERIFY(connectTo(database, scratch.dsn()));
+        const Subgroup first = periodSubgroup(QStringLiteral("Housing"), kPeriodEnd);
+        const Subgroup second =
+            periodSubgroup(QStringLiteral("Cover"), kPeriodEnd.addSecs(300).addMSecs(-250));
+        const qint64 firstId = first.store(database);
+        const qint64 secondId = second.store(database);
+        QVERIFY(firstId > 0);
+        QVERIFY(secondId > firstId);
+
+        const QList<StoredValue> rows = database.subgroupValues({});
+        QCOMPARE(rows.size(), 2 * first.storedValueCount());
+        qsizetype row = 0;
+        for (const Subgroup *subgroup : {&first, &second}) {
+            for (const TestItem &item : subgroup->testItems()) {
+                for (const SubgroupValue &value : item.values) {
+                    const StoredValue &stored = rows.at(row++);
+                    QCOMPARE(stored.subgroupId, subgroup == &first ? firstId : secondId);
+                    QCOMPARE(stored.header.dateTime, subgroup->header().dateTime);
+                    QCOMPARE(stored.header.part, subgroup->header().part);
+                    QCOMPARE(stored.header.partGroup, QStringLiteral("Line 3"));
+                    QCOMPARE(stored.header.process, QStringLiteral("Seal weld"));
+                    QCOMPARE(stored.header.processGroup, QStringLiteral("Corvane"));
+                    QCOMPARE(stored.header.sourceTag, QStringLiteral("Corvane"));
+                    QCOMPARE(stored.header.valueCount, 3);
+                    QVERIFY(stored.header.flag);
+                    QCOMPARE(stored.testItem, item.name);
+                    QCOMPARE(stored.kind, item.kind);
+                    QCOMPARE(stored.sampleNumber, value.sampleNumber);
+                    QCOMPARE(stored.value, value.value);
+                    QCOMPARE(stored.text, value.text);
+                }
+            }
+        }
+        RawConnection raw(scratch.dsn());
+        QCOMPARE(raw.count(QStringLiteral("sample_values WHERE value_text IS NULL")), 2 * 5);
+
+        // A period that ends exactly at the start of a report belongs to it.
+        SubgroupFilter since;
+        since.since = second.header().dateTime;
+        QCOMPARE(database.subgroupValues(since).size(), second.storedValueCount());
+        since.since = second.header().dateTime.addMSecs(1);
+        QVERIFY(database.subgroupValues(since).isEmpty());
+    }
+
+    void failedSubgroupLeavesNothing_data()
+    {
+        QTest::addColumn<QString>("backend");
+        QTest::addColumn<int>("failure");
+        for (const char *backend : {"sqlite", "postgresql"}) {
+            QTest::addRow("%s, bad sample number in the last item", backend)
+                << QString::fromLatin1(backend) << 0;
+            QTest::addRow("%s, bad item kind halfway", backend)
+                << QString::fromLatin1(backend) << 1;
+        }
+    }
+    void failedSubgroupLeavesNothing()
+    {
+        SCRATCH_DATABASE(scratch);
+        QFETCH(int, failure);
+        SqlDatabase database;
+        QVERIFY(connectTo(database, scratch.dsn()));
+        const Subgroup good = periodSubgroup(QStringLiteral("Housing"), kPeriodEnd);
+        good.store(database);
+
+        // Everything before the broken row reaches the database before it fails.
+        Subgroup broken = periodSubgroup(QStringLiteral("Housing"), kPeriodEnd.addSecs(300));
+        if (failure == 0) {
+            broken.addValue(0, 1.0, QStringLiteral("Sample numbers start at 1"));
+        } else {
+            broken.AddTestItem(QStringLiteral("Unknown kind"), 3);
+            broken.addValue(1, 1.0);
+            broken.AddTestItem(QStringLiteral("After"), TestItem::kMeasuredValue);
+            broken.addValue(1, 2.0);
+        }
+        try {
+            broken.store(database);
+            QFAIL("the broken subgroup was stored");
+        } catch (const ProgramError &error) {
+            QCOMPARE(error.number(), ProgramError::kProgramErrorNumber);
+            QVERIFY2(error.source().contains(QLatin1String("SqlDatabase.storeSubgroup")),
+                     qPrintable(error.source()));
+        }
+        QVERIFY(!database.lastErrorText().isEmpty());
+        QVERIFY(database.isConnected());
+
+        RawConnection raw(scratch.dsn());
+        QCOMPARE(raw.count(QStringLiteral("subgroups")), 1);
+        QCOMPARE(raw.count(QStringLiteral("test_items")), int(good.testItems().size()));
+        QCOMPARE(raw.count(QStringLiteral("sample_values")), int(good.storedValueCount()));
+
+        // The connection is not left inside the failed transaction.
+        const Subgroup next = periodSubgroup(QStringLiteral("Housing"), kPeriodEnd.addSecs(600));
+        QVERIFY(next.store(database) > 0);
+        QCOMPARE(raw.count(QStringLiteral("subgroups")), 2);
+        QCOMPARE(database.subgroupValues({}).size(), 2 * good.storedValueCount());
+    }
+
+    void lostServerConnectionIsMadeAgain()
+    {
+        ScratchDatabase scratch(QStringLiteral("postgresql"));
+        if (scratch.state() == ScratchDatabase::State::Skipped)
+            QSKIP(qPrintable(scratch.message()));
+        QVERIFY2(scratch.state() == ScratchDatabase::State::Ready, qPrintable(scratch.message()));
+        SqlDatabase database;
+        QVERIFY(connectTo(database, scratch.dsn()));
+        qint64 backendPid = 0;
+        {
+            QSqlQuery pid(QSqlDatabase::database(database.connectionName(), false));
+            QVERIFY(pid.exec(QStringLiteral("SELECT pg_backend_pid()")) && pid.next());
+            backendPid = pid.value(0).toLongLong();
+        }
+        RawConnection admin(scratch.dsn());
+        QVERIFY(
+            admin.scalar(QStringLiteral("SELECT pg_terminate_backend(?)"), {backendPid}).toBool());
+
+        const Subgroup lost = periodSubgroup(QStringLiteral("Housing"), kPeriodEnd);
+        QVERIFY_THROWS_EXCEPTION(ProgramError, lost.store(database));
+        QVERIFY(!database.isConnected());
+        const Subgroup resumed = periodSubgroup(QStringLiteral("Housing"), kPeriodEnd.addSecs(300));
+        QVERIFY(resumed.store(database) > 0);
+        QVERIFY(database.isConnected());
+        QCOMPARE(admin.count(QStringLiteral("subgroups")), 1);
+    }
+
+    void serverPasswordFromPasswordFile()
+    {
+        ScratchDatabase scratch(QStringLiteral("postgresql"));
+        if (scratch.state() == ScratchDatabase::State::Skipped)
+            QSKIP(qPrintable(scratch.message()));
+        QVERIFY2(scratch.state() == ScratchDatabase::State::Ready, qPrintable(scratch.message()));
+        const QByteArray password = qgetenv("PGPASSWORD");
+        if (password.isEmpty())
+            QSKIP("the test server asks for no password");
+        DataSource source;
+        QString error;
+        QVERIFY(DataSource::parse(scratch.dsn(), source, error));
+
+        QTemporaryDir folder;
+        const QString path = folder.filePath(QStringLiteral("pgpass"));
+        const auto connectWith = [&](const QByteArray &filePassword) {
+            QFile file(path);
+            file.open(QIODevice::WriteOnly);
+            file.write("# the test server\n" + source.host().toUtf8() + ":" +
+                       QByteArray::number(source.port()) + ":*:" + source.user().toUtf8() + ":" +
+                       filePassword + "\n");
+            file.close();
+            file.setPermissions(QFile::ReadOwner | QFile::WriteOwner);
+            SqlDatabase database;
+            database.setDataSourceName(scratch.dsn());
+            return database.openConnection();
+        };
+        qunsetenv("PGPASSWORD");
+        qputenv("PGPASSFILE", path.toLocal8Bit());
+        const bool right = connectWith(password);
+        const bool wrong = connectWith("not-" + password);
+        qunsetenv("PGPASSFILE");
+        qputenv("PGPASSWORD", password);
+        QVERIFY(right);
+        QVERIFY(!wrong);
+    }
+
+    void connectionFailures_data()
+    {
+        QTest::addColumn<QString>("dsn");
+        QTest::newRow("empty") << QString();
+        QTest::newRow("unsupported server") << QStringLiteral("mysql://db/quality");
+        QTest::newRow("folder missing") << QStringLiteral("/nonexistent-corvane/spc/spc.db");
+        QTest::newRow("server not listening") << QStringLiteral("postgresql://spc@127.0.0.1:1/q");
+    }
+    void connectionFailures()
+    {
+        QFETCH(QString, dsn);
+        SqlDatabase database;
+        QSignalSpy connected(&database, &Database::connected);
+        database.setDataSourceName(dsn);
+        QVERIFY(!database.openConnection());
+        QVERIFY(!database.isConnected());
+        QVERIFY(!database.lastErrorText().isEmpty());
+        QCOMPARE(connected.count(), 0);
+        Part part;
+        part.setName(QStringLiteral("Housing"));
+        QVERIFY_THROWS_EXCEPTION(ProgramError, part.load(database));
+    }
+
+    void connectionsAreIndependent_data() { addBackendRows(); }
+    void connectionsAreIndependent()
+    {
+        SCRATCH_DATABASE(scratch);
+        SqlDatabase writer;
+        QVERIFY(connectTo(writer, scratch.dsn()));
+        {
+            SqlDatabase reader;
+            QVERIFY(connectTo(reader, scratch.dsn()));
+            QVERIFY(reader.connectionName() != writer.connectionName());
+            writer.createRecord(RecordKind::Part, QStringLiteral("Housing"));
+            QCOMPARE(reader.listRecords(RecordKind::Part).size(), 1);
+        }
+        QVERIFY(writer.isConnected());
+        QCOMPARE(writer.listRecords(RecordKind::Part).size(), 1);
+
+        // Another data source: the connection to the old one ends and is not made again
+        // behind the user's back.
+        writer.setDataSourceName(scratch.dsn() + QStringLiteral("-other"));
+        QVERIFY(!writer.isConnected());
+        QVERIFY_THROWS_EXCEPTION(ProgramError, writer.listRecords(RecordKind::Part));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestSpcDatabase)
+#include "tst_spcdatabase.moc"

@@ -1,0 +1,294 @@
+#include "ScratchDatabase.h"
+
+#include "platform/spc/SqlDatabase.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace qlaDatabase6;
+
+namespace {
+
+struct ToolRun
+{
+    int exitCode = -1;
+    QString out;
+    QString err;
+};
+
+ToolRun runTool(const QStringList &arguments, const QString &dataFolder)
+{
+    QProcess process;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("CORVANE_DATA_DIR"), dataFolder);
+    process.setProcessEnvironment(environment);
+    process.start(QStringLiteral(CORVANE_SPC_TOOL), arguments);
+    ToolRun run;
+    if (!process.waitForFinished(60000) || process.exitStatus() != QProcess::NormalExit)
+        return run;
+    run.exitCode = process.exitCode();
+    run.out = QString::fromUtf8(process.readAllStandardOutput());
+    run.err = QString::fromUtf8(process.readAllStandardError());
+    return run;
+}
+
+// Reads comma-separated values the way a spreadsheet does: quoted fields may hold
+// commas, line breaks and doubled quotes. Returns false on text that breaks the rules.
+bool parseCsv(const QString &text, QList<QStringList> &rows)
+{
+    QStringList row;
+    QString field;
+    bool quoted = false;
+    bool wasQuoted = false;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const QChar c = text[i];
+        if (quoted) {
+            if (c == u'"' && i + 1 < text.size() && text[i + 1] == u'"') {
+                field += u'"';
+                ++i;
+            } else if (c == u'"') {
+                quoted = false;
+            } else {
+                field += c;
+            }
+        } else if (c == u'"') {
+            if (!field.isEmpty() || wasQuoted)
+                return false;
+            quoted = wasQuoted = true;
+        } else if (c == u',') {
+            row.append(field);
+            field.clear();
+            wasQuoted = false;
+        } else if (c == u'\r' && i + 1 < text.size() && text[i + 1] == u'\n') {
+            row.append(field);
+            rows.append(row);
+            row.clear();
+            field.clear();
+            wasQuoted = false;
+            ++i;
+        } else if (c == u'\n' || c == u'\r') {
+            return false;
+        } else {
+            if (wasQuoted)
+                return false;
+            field += c;
+        }
+    }
+    return !quoted && field.isEmpty() && row.isEmpty();
+}
+
+Subgroup storedSubgroup(const QString &part, const QDateTime &time)
+{
+    Subgroup subgroup;
+    SubgroupHeader header;
+    header.valueCount = 2;
+    header.dateTime = time;
+    header.partGroup = QStringLiteral("Line 3, east");
+    header.part = part;
+    header.processGroup = QStringLiteral("Corvane");
+    header.process = QStringLiteral("Seal weld");
+    header.sourceTag = QStringLiteral("Corvane");
+    subgroup.setHeader(header);
+    subgroup.AddTestItem(QStringLiteral("Energy"), TestItem::kMeasuredValue);
+    subgroup.addValue(1, 812.5);
+    subgroup.addValue(2, 1.0 / 3.0);
+    subgroup.AddTestItem(QStringLiteral("Reject Part Alarms"), TestItem::kAlarmList);
+    subgroup.addValue(1, 1.0, QStringLiteral("Peak Power \"High\", limit"));
+    subgroup.addValue(2, 1.0, QStringLiteral("Two\r\nlines"));
+    return subgroup;
+}
+
+} // namespace
+
+// The administration tool as a user runs it: its commands, its report of stored
+// subgroups, and its exit status.
+class TestSpcTool : public QObject
+{
+    Q_OBJECT
+
+private:
+    QTemporaryDir m_dataFolder;
+
+private slots:
+    void administersRecordsAndLimits_data() { addBackendRows(); }
+    void administersRecordsAndLimits()
+    {
+        SCRATCH_DATABASE(scratch);
+        const QString data = m_dataFolder.path();
+        const auto run = [&](QStringList arguments) {
+            arguments << QStringLiteral("--dsn") << scratch.dsn();
+            const ToolRun result = runTool(arguments, data);
+            if (result.exitCode != 0)
+                qWarning("%s", qPrintable(result.err));
+            return result;
+        };
+        ToolRun result = run({"init"});
+        QCOMPARE(result.exitCode, 0);
+        QCOMPARE(result.out, QStringLiteral("schema version 2\n"));
+        QCOMPARE(run({"add-group", "Line 3"}).exitCode, 0);
+        QCOMPARE(run({"add-part", "Housing, left", "--group", "Line 3"}).exitCode, 0);
+        QCOMPARE(run({"add-part", "Cover"}).exitCode, 0);
+        QCOMPARE(run({"add-process", "Seal weld", "--group", "Line 3"}).exitCode, 0);
+        QCOMPARE(run({"add-test", "Energy"}).exitCode, 0);
+        QCOMPARE(run({"add-test", "Weld Time"}).exitCode, 0);
+        result = run({"set-limits", "Housing, left", "Energy", "--usl", "12.5", "--lsl", "-1"});
+        QCOMPARE(result.exitCode, 0);
+        QVERIFY(result.out.contains(QLatin1String("flags 34")));
+        QCOMPARE(
+            run({"set-limits", "Housing, left", "Weld Time", "--uwl=0.3", "--lwl=0.1"}).exitCode,
+            0);
+
+        QCOMPARE(run({"list", "groups"}).out, QStringLiteral("Line 3\n"));
+        QCOMPARE(run({"list", "parts"}).out, QStringLiteral("Cover\t\nHousing, left\tLine 3\n"));
+        QCOMPARE(run({"list", "processes"}).out, QStringLiteral("Seal weld\tLine 3\n"));
+        QCOMPARE(run({"list", "tests"}).out, QStringLiteral("Energy\nWeld Time\n"));
+        QCOMPARE(run({"list", "limits"}).out,
+                 QStringLiteral("Housing, left\tEnergy\t34\t12.5\t\t\t-1\n"
+                                "Housing, left\tWeld Time\t20\t\t0.3\t0.1\t\n"));
+
+        QCOMPARE(run({"set-limits", "Housing, left", "Energy", "--clear"}).exitCode, 0);
+        QCOMPARE(run({"list", "limits"}).out,
+                 QStringLiteral("Housing, left\tWeld Time\t20\t\t0.3\t0.1\t\n"));
+    }
+
+    void subgroupReportParsesBack_data() { addBackendRows(); }
+    void subgroupReportParsesBack()
+    {
+        SCRATCH_DATABASE(scratch);
+        const QDateTime first(QDate(2026, 11, 14), QTime(22, 10, 0));
+        const QDateTime second(QDate(2026, 11, 15), QTime(6, 0, 0, 500));
+        QList<Subgroup> subgroups = {storedSubgroup(QStringLiteral("Housing"), first),
+                                     storedSubgroup(QStringLiteral("Cover"), second)};
+        QList<qint64> ids;
+        {
+            SqlDatabase database;
+            database.setDataSourceName(scratch.dsn());
+            QVERIFY(database.openConnection());
+            for (const Subgroup &subgroup : subgroups)
+                ids.append(subgroup.store(database));
+        }
+        const ToolRun result =
+            runTool({"subgroups", "--csv", "--dsn", scratch.dsn()}, m_dataFolder.path());
+        QCOMPARE(result.exitCode, 0);
+        QList<QStringList> rows;
+        QVERIFY2(parseCsv(result.out, rows), qPrintable(result.out));
+        QCOMPARE(rows.size(), 1 + 2 * 4);
+        QCOMPARE(rows.takeFirst(),
+                 QStringList({"subgroup", "date_time", "part_group", "part", "process_group",
+                              "process", "source_tag", "value_count", "test_item", "kind",
+                              "sample_number", "value", "text"}));
+        int row = 0;
+        for (int s = 0; s < subgroups.size(); ++s) {
+            const SubgroupHeader &header = subgroups[s].header();
+            for (const TestItem &item : subgroups[s].testItems()) {
+                for (const SubgroupValue &value : item.values) {
+                    const QStringList &fields = rows.at(row++);
+                    QCOMPARE(fields.size(), 13);
+                    QCOMPARE(fields[0].toLongLong(), ids[s]);
+                    QCOMPARE(QDateTime::fromString(fields[1], Qt::ISODateWithMs), header.dateTime);
+                    QCOMPARE(fields.mid(2, 5),
+                             QStringList({header.partGroup, header.part, header.processGroup,
+                                          header.process, header.sourceTag}));
+                    QCOMPARE(fields[7].toInt(), header.valueCount);
+                    QCOMPARE(fields[8], item.name);
+                    QCOMPARE(fields[9].toInt(), item.kind);
+                    QCOMPARE(fields[10].toInt(), value.sampleNumber);
+                    QCOMPARE(fields[11].toDouble(), value.value);
+                    QCOMPARE(fields[12], value.text);
+                }
+            }
+        }
+        QCOMPARE(rows.at(0).at(1), QStringLiteral("2026-11-14T22:10:00"));
+
+        const auto rowCount = [&](const QStringList &filter) {
+            QList<QStringList> found;
+            const ToolRun filtered =
+                runTool(QStringList({"subgroups", "--csv", "--dsn", scratch.dsn()}) + filter,
+                        m_dataFolder.path());
+            return filtered.exitCode == 0 && parseCsv(filtered.out, found) ? int(found.size()) - 1
+                                                                           : -1;
+        };
+        QCOMPARE(rowCount({"--part", "Cover"}), 4);
+        QCOMPARE(rowCount({"--process", "Spot weld"}), 0);
+        QCOMPARE(rowCount({"--since", "2026-11-15"}), 4);
+
+        // Without --csv every stored value is one line, whatever its text holds.
+        const ToolRun plain = runTool({"subgroups", "--dsn", scratch.dsn()}, m_dataFolder.path());
+        QCOMPARE(plain.exitCode, 0);
+        QCOMPARE(int(plain.out.count(u'\n')), 1 + 2 * 4);
+    }
+
+    void failuresExitWithOne_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<QString>("message");
+        QTest::newRow("unknown part")
+            << QStringList({"set-limits", "Nothing", "Energy", "--usl", "1"}) << "unknown part";
+        QTest::newRow("name taken") << QStringList({"add-part", "Housing"}) << "already exists";
+        QTest::newRow("inverted limits")
+            << QStringList({"set-limits", "Housing", "Energy", "--usl", "1", "--lsl", "2"})
+            << "LimitLower > LimitUpper";
+        QTest::newRow("bad data source")
+            << QStringList({"list", "parts", "--dsn", "mysql://db/quality"}) << "unsupported";
+        QTest::newRow("server not listening")
+            << QStringList({"init", "--dsn", "postgresql://spc@127.0.0.1:1/quality"})
+            << "Unable to connect";
+    }
+    void failuresExitWithOne()
+    {
+        QFETCH(QStringList, arguments);
+        QFETCH(QString, message);
+        QTemporaryDir data;
+        QVERIFY(runTool({"add-part", "Housing"}, data.path()).exitCode == 0);
+        QVERIFY(runTool({"add-test", "Energy"}, data.path()).exitCode == 0);
+        const ToolRun result = runTool(arguments, data.path());
+        QCOMPARE(result.exitCode, 1);
+        QVERIFY2(result.err.startsWith(QLatin1String("corvane-spc: ")), qPrintable(result.err));
+        QVERIFY2(result.err.contains(message), qPrintable(result.err));
+        QCOMPARE(int(result.err.count(u'\n')), 1);
+    }
+
+    void badUsageExitsWithTwo_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::newRow("no command") << QStringList();
+        QTest::newRow("unknown command") << QStringList({"frobnicate"});
+        QTest::newRow("missing name") << QStringList({"add-part"});
+        QTest::newRow("option of another command")
+            << QStringList({"add-test", "T", "--group", "G"});
+        QTest::newRow("no limit") << QStringList({"set-limits", "P", "T"});
+        QTest::newRow("limit not a number")
+            << QStringList({"set-limits", "P", "T", "--usl", "1,5"});
+        QTest::newRow("unknown list") << QStringList({"list", "welders"});
+        QTest::newRow("bad date") << QStringList({"subgroups", "--since", "yesterday"});
+    }
+    void badUsageExitsWithTwo()
+    {
+        QFETCH(QStringList, arguments);
+        QTemporaryDir data;
+        const ToolRun result = runTool(arguments, data.path());
+        QCOMPARE(result.exitCode, 2);
+        QVERIFY(result.err.contains(QLatin1String("Usage: corvane-spc")));
+        // Bad usage never touches a database.
+        QVERIFY(QDir(data.path()).isEmpty());
+    }
+
+    void defaultDatabaseIsInTheDataFolder()
+    {
+        QTemporaryDir root;
+        const QString data = QDir(root.path()).filePath(QStringLiteral("Corvane"));
+        QCOMPARE(runTool({"init"}, data).exitCode, 0);
+        QVERIFY(QFileInfo::exists(QDir(data).filePath(QStringLiteral("spc.db"))));
+        QCOMPARE(runTool({"add-test", "Energy"}, data).exitCode, 0);
+        QCOMPARE(runTool({"list", "tests", "--dsn", QDir(data).filePath(QStringLiteral("spc.db"))},
+                         root.path())
+                     .out,
+                 QStringLiteral("Energy\n"));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestSpcTool)
+#include "tst_spctool.moc"

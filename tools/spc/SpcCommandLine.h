@@ -1,0 +1,52 @@
+#pragma once
+
+#include <QDateTime>
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+
+// One command of the SPC administration tool, as read from its command line.
+struct SpcCommand
+{
+    enum class Action {
+        Init,
+        AddGroup,
+        AddPart,
+        AddProcess,
+        AddTest,
+        SetLimits,
+        List,
+        Subgroups,
+        Help,
+    };
+
+    Action action = Action::Help;
+    QString dsn;
+    // True when --dsn was not given and the default database in the data folder is
+    // used.
+    bool defaultDsn = true;
+    // add-*: the name; set-limits: the part and the test; list: what to list.
+    QStringList names;
+    QString group;
+    std::optional<double> upperSpecLimit;
+    std::optional<double> lowerSpecLimit;
+    std::optional<double> upperWarningLimit;
+    std::optional<double> lowerWarningLimit;
+    bool clear = false;
+    QString part;
+    QString process;
+    QDateTime since;
+    bool csv = false;
+};
+
+// Reads the tool's arguments (the program name first). On bad usage returns nothing
+// and leaves the reason in errorText.
+class SpcCommandLine
+{
+public:
+    static std::optional<SpcCommand> parse(const QStringList &arguments, QString &errorText);
+    static QString usage();
+    // The default data source: spc.db in the data folder (CORVANE_DATA_DIR honoured).
+    static QString defaultDataSource();
+};

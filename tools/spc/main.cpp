@@ -1,0 +1,63 @@
+// corvane-spc: looks after the SPC database into which the monitor samples subgroups.
+
+#include "SpcCommandLine.h"
+#include "SpcTool.h"
+
+#include "platform/ProgramError.h"
+#include "platform/ProgramFiles.h"
+#include "platform/spc/SqlDatabase.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QTextStream>
+
+#include <cstdio>
+
+namespace {
+
+constexpr int kDone = 0;
+constexpr int kFailed = 1;
+constexpr int kUsage = 2;
+
+int failed(const QString &message)
+{
+    // One line, whatever the server's message looked like.
+    std::fprintf(stderr, "corvane-spc: %s\n", qPrintable(message.simplified()));
+    return kFailed;
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    QCoreApplication app(argc, argv);
+    QCoreApplication::setApplicationName(QStringLiteral("corvane-spc"));
+
+    QString problem;
+    const std::optional<SpcCommand> command =
+        SpcCommandLine::parse(QCoreApplication::arguments(), problem);
+    if (!command) {
+        std::fprintf(stderr, "corvane-spc: %s\n\n%s", qPrintable(problem),
+                     qPrintable(SpcCommandLine::usage()));
+        return kUsage;
+    }
+    if (command->action == SpcCommand::Action::Help) {
+        std::printf("%s", qPrintable(SpcCommandLine::usage()));
+        return kDone;
+    }
+    if (command->defaultDsn)
+        QDir().mkpath(ProgramFiles::resolveDataFolder());
+
+    qlaDatabase6::SqlDatabase database;
+    database.setDataSourceName(command->dsn);
+    if (!database.openConnection())
+        return failed(database.lastErrorText());
+    QTextStream out(stdout);
+    try {
+        SpcTool(database, out).run(*command);
+    } catch (const ProgramError &error) {
+        out.flush();
+        return failed(error.description());
+    }
+    return kDone;
+}
