@@ -8,6 +8,8 @@ TcpSocketPort::TcpSocketPort(QObject *parent)
             [this] { emit dataArrival(m_socket.bytesAvailable()); });
     connect(&m_socket, &QTcpSocket::errorOccurred, this, &TcpSocketPort::onErrorOccurred);
     connect(&m_socket, &QTcpSocket::disconnected, this, &TcpSocketPort::onDisconnected);
+    m_failureHold.setSingleShot(true);
+    connect(&m_failureHold, &QTimer::timeout, this, &TcpSocketPort::reportFailure);
 }
 
 TcpSocketPort::~TcpSocketPort()
@@ -25,9 +27,11 @@ void TcpSocketPort::connectToHost(const QString &host, quint16 port)
         const QSignalBlocker quiet(m_socket);
         m_socket.abort();
     }
+    m_failureHold.stop();
     m_ending = Ending::None;
     m_host = host;
     m_port = port;
+    m_attemptStarted.start();
     m_socket.connectToHost(host, port);
 }
 
@@ -37,6 +41,7 @@ void TcpSocketPort::close()
     // nothing to flush, and the state must be 0 when close() returns.
     const QSignalBlocker quiet(m_socket);
     m_socket.abort();
+    m_failureHold.stop();
     m_ending = Ending::None;
 }
 
@@ -44,6 +49,8 @@ int TcpSocketPort::state() const
 {
     if (m_ending == Ending::Failed)
         return Error;
+    if (m_ending == Ending::FailureHeldBack)
+        return Connecting;
     if (m_ending == Ending::PeerClosed)
         return Closing;
     switch (m_socket.state()) {
@@ -90,13 +97,28 @@ void TcpSocketPort::onErrorOccurred(QAbstractSocket::SocketError error)
     // does, not as a failure.
     if (error == QAbstractSocket::RemoteHostClosedError)
         return;
+    m_failure = error;
+    m_failureText = m_socket.errorString();
+    const bool duringAttempt = m_ending == Ending::None && m_attemptStarted.isValid()
+        && m_socket.state() != QAbstractSocket::ConnectedState;
+    const qint64 remaining = m_minimumAttemptMs - m_attemptStarted.elapsed();
+    if (duringAttempt && remaining > 0) {
+        m_ending = Ending::FailureHeldBack;
+        m_failureHold.start(int(remaining));
+        return;
+    }
+    reportFailure();
+}
+
+void TcpSocketPort::reportFailure()
+{
     m_ending = Ending::Failed;
-    emit errorOccurred(errorNumber(error), m_socket.errorString(), qint32(error));
+    emit errorOccurred(errorNumber(m_failure), m_failureText, qint32(m_failure));
 }
 
 void TcpSocketPort::onDisconnected()
 {
-    if (m_ending == Ending::Failed)
+    if (m_ending == Ending::Failed || m_ending == Ending::FailureHeldBack)
         return;
     m_ending = Ending::PeerClosed;
     emit closed();

@@ -159,6 +159,26 @@ private slots:
         QCOMPARE(errors.count(), 1);
     }
 
+    void refusalIsHeldBackAsConnectingToPaceRetries()
+    {
+        TcpSocketPort port;
+        QSignalSpy errors(&port, &SocketPort::errorOccurred);
+        port.connectToHost(QStringLiteral("127.0.0.1"), refusingPort());
+        // The loopback refuses at once; the port still shows an attempt in progress.
+        QTest::qWait(300);
+        QCOMPARE(port.state(), int(SocketPort::Connecting));
+        QVERIFY(errors.isEmpty());
+        QVERIFY(errors.wait(kWaitMs));
+        QCOMPARE(port.state(), int(SocketPort::Error));
+
+        // Closing while a failure is held back drops it.
+        port.connectToHost(QStringLiteral("127.0.0.1"), refusingPort());
+        QTest::qWait(300);
+        port.close();
+        QVERIFY(!errors.wait(TcpSocketPort::kMinimumAttemptMs + 500));
+        QCOMPARE(port.state(), int(SocketPort::Closed));
+    }
+
     void closeAfterErrorLeavesClosed()
     {
         TcpSocketPort port;
