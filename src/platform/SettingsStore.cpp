@@ -2,6 +2,19 @@
 
 #include <QSettings>
 
+namespace {
+
+// The store holds texts only, but an INI value with a comma in it ("Corvane Ostrel,
+// Plant 2") comes back as a list of its parts; they are joined again.
+QString storedText(const QVariant &value)
+{
+    if (value.typeId() == QMetaType::QStringList)
+        return value.toStringList().join(QStringLiteral(", "));
+    return value.toString();
+}
+
+} // namespace
+
 QtSettingsStore::QtSettingsStore() = default;
 
 QtSettingsStore::QtSettingsStore(QString iniPath)
@@ -14,8 +27,8 @@ QString QtSettingsStore::read(const QString &section, const QString &key,
 {
     const QString name = section + u'/' + key;
     if (!m_iniPath.isEmpty())
-        return QSettings(m_iniPath, QSettings::IniFormat).value(name, defaultValue).toString();
-    return QSettings(QSettings::SystemScope, QStringLiteral("Corvane"), QStringLiteral("Monitor"))
-        .value(name, defaultValue)
-        .toString();
+        return storedText(QSettings(m_iniPath, QSettings::IniFormat).value(name, defaultValue));
+    return storedText(
+        QSettings(QSettings::SystemScope, QStringLiteral("Corvane"), QStringLiteral("Monitor"))
+            .value(name, defaultValue));
 }

@@ -1,0 +1,57 @@
+#include "HeadlessOptions.h"
+
+#include "platform/ProgramFiles.h"
+
+#include <QCommandLineParser>
+
+std::optional<HeadlessOptions> HeadlessOptions::parse(const QStringList &arguments,
+                                                      QString *errorText)
+{
+    const QCommandLineOption kHeadless(QStringLiteral("headless"));
+    const QCommandLineOption kDataDir(QStringLiteral("data-dir"), QString(), QStringLiteral("DIR"));
+    const QCommandLineOption kVerbose(QStringLiteral("verbose"));
+    const QCommandLineOption kHelp(QStringList{QStringLiteral("h"), QStringLiteral("help")});
+    QCommandLineParser parser;
+    parser.addOptions({kHeadless, kDataDir, kVerbose, kHelp});
+    if (!parser.parse(arguments)) {
+        if (errorText)
+            *errorText = parser.errorText();
+        return std::nullopt;
+    }
+    // "/debug" is the only argument that is not an option; it may be written in any case.
+    for (const QString &argument : parser.positionalArguments()) {
+        if (!debugSwitchPresent({argument})) {
+            if (errorText)
+                *errorText = QStringLiteral("Unexpected argument '%1'.").arg(argument);
+            return std::nullopt;
+        }
+    }
+    HeadlessOptions options;
+    options.headless = parser.isSet(kHeadless);
+    options.dataFolder = parser.value(kDataDir);
+    options.verbose = parser.isSet(kVerbose);
+    options.debugMode = debugSwitchPresent(arguments.mid(1));
+    options.help = parser.isSet(kHelp);
+    if (parser.isSet(kDataDir) && options.dataFolder.isEmpty()) {
+        if (errorText)
+            *errorText = QStringLiteral("--data-dir needs a folder.");
+        return std::nullopt;
+    }
+    return options;
+}
+
+QString HeadlessOptions::usage()
+{
+    return QStringLiteral(
+        "Usage: corvane-monitor [--headless] [--data-dir DIR] [--verbose] [/debug]\n"
+        "Watches the welders of the configurations file in the data folder and logs\n"
+        "their welds.\n"
+        "\n"
+        "  --headless      Run without a window until SIGINT or SIGTERM, then save the\n"
+        "                  configurations file and end.\n"
+        "  --data-dir DIR  Data folder (overrides CORVANE_DATA_DIR).\n"
+        "  --verbose       Print one line per weld: configuration, cycle, weld time,\n"
+        "                  energy, alarms.\n"
+        "  /debug          Replace received values by simulated ones.\n"
+        "  -h, --help      Show this help.\n");
+}

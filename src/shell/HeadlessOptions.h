@@ -1,0 +1,25 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+
+// The command line of corvane-monitor.
+struct HeadlessOptions
+{
+    bool headless = false;
+    // Empty: CORVANE_DATA_DIR, else the platform's data folder.
+    QString dataFolder;
+    // One line per weld on standard output.
+    bool verbose = false;
+    // "/debug" anywhere on the command line, in any case: simulated values.
+    bool debugMode = false;
+    bool help = false;
+
+    // The options of arguments (the program's name first). Unknown options, a missing
+    // option value and stray arguments are bad usage: no options, and the reason in
+    // errorText.
+    static std::optional<HeadlessOptions> parse(const QStringList &arguments, QString *errorText);
+    static QString usage();
+};

@@ -1,0 +1,152 @@
+#include "HeadlessRunner.h"
+
+#include "ConfigurationSet.h"
+#include "EquipmentMonitorSlot.h"
+#include "ShellSettings.h"
+#include "TerminationSignals.h"
+#include "WeldLine.h"
+#include "XmlText.h"
+
+#include "monitor/EquipmentMonitor.h"
+#include "platform/ErrorPassing.h"
+#include "platform/EventLog.h"
+#include "platform/HeadlessMessageBoxes.h"
+#include "platform/LoggedErrorReport.h"
+#include "platform/ProgramFiles.h"
+#include "platform/QtSerialPort.h"
+#include "platform/TcpSocketPort.h"
+#include "sampling/DatabaseSupport.h"
+#include "sampling/SamplingProperties.h"
+
+#include <QEventLoop>
+
+HeadlessRunner::HeadlessRunner(HeadlessOptions options, std::FILE *output, QObject *parent)
+    : QObject(parent)
+    , m_options(std::move(options))
+    , m_output(output)
+{}
+
+HeadlessRunner::~HeadlessRunner() = default;
+
+int HeadlessRunner::exec()
+{
+    // Caught before anything starts: a stop request that comes early waits in the
+    // socket pair until the event loop runs.
+    TerminationSignals termination;
+    if (!termination.isActive()) {
+        std::fprintf(stderr, "corvane-monitor: cannot catch SIGINT and SIGTERM\n");
+        return 1;
+    }
+    if (!start())
+        return 1;
+    QEventLoop loop;
+    connect(&termination, &TerminationSignals::terminationRequested, &loop, &QEventLoop::quit);
+    loop.exec();
+    stop();
+    return 0;
+}
+
+bool HeadlessRunner::start()
+{
+    const ProgramFiles programFiles(ProgramFiles::resolveDataFolder(m_options.dataFolder));
+    try {
+        ensureDataFolder(programFiles.dataFolder());
+    } catch (const ProgramError &error) {
+        std::fprintf(stderr, "corvane-monitor: %s\n", qPrintable(error.description()));
+        return false;
+    }
+    m_settings = ShellSettings::openSettingsStore();
+    m_title = ShellSettings::applicationTitle(*m_settings);
+    m_files = ShellFiles::resolve(programFiles, *m_settings);
+    m_errors = std::make_unique<LoggedErrorReport>(programFiles.errorReportLogPath(),
+                                                   QLatin1String(ProgramFiles::kProgramBaseName),
+                                                   m_clock, true);
+    m_eventLog = std::make_unique<EventLog>(programFiles.eventLogPath(), m_clock);
+    m_databaseSupport = std::make_unique<DatabaseSupport>(*m_errors, programFiles);
+    m_messageBoxes = std::make_unique<HeadlessMessageBoxes>(*m_errors);
+
+    const auto makeSampling = [this, dataFolder = programFiles.dataFolder()] {
+        return std::make_unique<SamplingProperties>(SamplingServices{
+            .errors = *m_errors,
+            .clock = m_clock,
+            .support = *m_databaseSupport,
+            .messageBoxes = *m_messageBoxes,
+            .dataFolder = dataFolder,
+            .makeDatabase = {},
+            .partSelector = nullptr,
+        });
+    };
+    const auto makeMonitor = [this, makeSampling](int) -> std::unique_ptr<ConfigurationMonitor> {
+        MonitorServices services{
+            .errors = *m_errors,
+            .eventLog = *m_eventLog,
+            .clock = m_clock,
+            .measurementSystem = m_files.measurementSystem,
+            .debugMode = m_options.debugMode,
+            .makeSocket = [] { return std::make_unique<TcpSocketPort>(); },
+            .makeSerialPort = [] { return std::make_unique<QtSerialPort>(); },
+            .randomSeed = std::nullopt,
+            .makeSampling = makeSampling,
+        };
+        auto monitor = std::make_unique<EquipmentMonitor>(std::move(services));
+        if (m_options.verbose) {
+            EquipmentMonitor *source = monitor.get();
+            connect(source, &EquipmentMonitor::weldProcessed, this,
+                    [this, source](const CorvaneFUN26 &record) {
+                        printWeld(source->configurationName(), record);
+                    });
+        }
+        return std::make_unique<EquipmentMonitorSlot>(std::move(monitor));
+    };
+    m_configurations = std::make_unique<ConfigurationSet>(m_files.configurationsPath, m_clock,
+                                                          m_language, makeMonitor);
+
+    m_loaded = reportFailures(*m_errors, "dlgMain.Form_Load",
+                              [&] { m_configurations->LoadConfigurationFile(); });
+    for (int i = 0; i < m_configurations->slotCount(); ++i) {
+        ConfigurationMonitor &monitor = m_configurations->monitor(i);
+        if (monitor.DriverState() != 0) {
+            reportFailures(*m_errors, "dlgMain.mnuStartStop_Click",
+                           [&] { monitor.StartDataCollection(); });
+        }
+    }
+    std::fprintf(stderr, "%s: watching %d configuration(s) of %s; SIGINT or SIGTERM ends.\n",
+                 qPrintable(m_title), m_configurations->ConfigurationCount(),
+                 qPrintable(m_files.configurationsPath));
+    m_started = true;
+    return true;
+}
+
+void HeadlessRunner::stop()
+{
+    if (!m_started)
+        return;
+    m_started = false;
+    for (int i = 0; i < m_configurations->slotCount(); ++i) {
+        ConfigurationMonitor &monitor = m_configurations->monitor(i);
+        if (monitor.DriverState() > 1) {
+            reportFailures(*m_errors, "dlgMain.mnuStartStop_Click",
+                           [&] { monitor.StopDataCollection(); });
+        }
+    }
+    if (m_loaded) {
+        reportFailures(*m_errors, "dlgMain.Form_QueryUnload", [&] {
+            m_configurations->WriteConfigurationFile(xmlText(m_configurations->GetXMLNode()));
+        });
+    } else {
+        std::fprintf(stderr, "corvane-monitor: %s was not loaded and is left as it is.\n",
+                     qPrintable(m_files.configurationsPath));
+    }
+    reportFailures(*m_errors, "dlgMain.Form_QueryUnload", [&] {
+        for (int i = 0; i < m_configurations->slotCount(); ++i)
+            m_configurations->monitor(i).ShutDown();
+    });
+}
+
+void HeadlessRunner::printWeld(const QString &configurationName, const CorvaneFUN26 &record)
+{
+    const QByteArray line =
+        verboseWeldLine(configurationName, record, m_language, m_format).toUtf8();
+    std::fprintf(m_output, "%s\n", line.constData());
+    std::fflush(m_output);
+}

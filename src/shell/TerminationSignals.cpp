@@ -1,0 +1,68 @@
+#include "TerminationSignals.h"
+
+#include <QSocketNotifier>
+
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace {
+
+// [0] is written by the handler, [1] read by the notifier.
+std::array<int, 2> g_signalSockets{-1, -1};
+std::array<struct sigaction, 2> g_previousActions{};
+constexpr std::array<int, 2> kSignals{SIGINT, SIGTERM};
+
+extern "C" void onTerminationSignal(int signalNumber)
+{
+    const int savedErrno = errno;
+    const unsigned char byte = static_cast<unsigned char>(signalNumber);
+    // A full socket already holds a pending request; losing this one changes nothing.
+    [[maybe_unused]] const ssize_t written = ::write(g_signalSockets[0], &byte, 1);
+    errno = savedErrno;
+}
+
+} // namespace
+
+TerminationSignals::TerminationSignals(QObject *parent)
+    : QObject(parent)
+{
+    if (g_signalSockets[0] != -1)
+        return;
+    if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0,
+                     g_signalSockets.data()) != 0) {
+        g_signalSockets = {-1, -1};
+        return;
+    }
+    struct sigaction action = {};
+    action.sa_handler = onTerminationSignal;
+    sigemptyset(&action.sa_mask);
+    action.sa_flags = SA_RESTART;
+    for (size_t i = 0; i < kSignals.size(); ++i)
+        ::sigaction(kSignals[i], &action, &g_previousActions[i]);
+
+    m_notifier = new QSocketNotifier(g_signalSockets[1], QSocketNotifier::Read, this);
+    connect(m_notifier, &QSocketNotifier::activated, this, &TerminationSignals::readSignal);
+    m_active = true;
+}
+
+TerminationSignals::~TerminationSignals()
+{
+    if (!m_active)
+        return;
+    for (size_t i = 0; i < kSignals.size(); ++i)
+        ::sigaction(kSignals[i], &g_previousActions[i], nullptr);
+    delete m_notifier;
+    ::close(g_signalSockets[0]);
+    ::close(g_signalSockets[1]);
+    g_signalSockets = {-1, -1};
+}
+
+void TerminationSignals::readSignal()
+{
+    unsigned char byte = 0;
+    while (::read(g_signalSockets[1], &byte, 1) == 1)
+        emit terminationRequested(int(byte));
+}

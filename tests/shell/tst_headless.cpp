@@ -1,0 +1,207 @@
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QScopeGuard>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <csignal>
+
+// corvane-monitor --headless as a process, watching corvane-sim over loopback TCP: the
+// welds reach the data log, and a stop by signal saves the configurations file.
+class TestHeadless : public QObject
+{
+    Q_OBJECT
+
+private:
+    static constexpr int kWelds = 6;
+
+    static QProcessEnvironment environment(const QTemporaryDir &folder)
+    {
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        env.remove(QStringLiteral("CORVANE_DATA_DIR"));
+        // Keep the machine's own settings store out of the run.
+        env.insert(QStringLiteral("CORVANE_SETTINGS_FILE"),
+                   folder.filePath(QStringLiteral("settings.ini")));
+        return env;
+    }
+
+    static QStringList lines(const QString &path)
+    {
+        QFile file(path);
+        if (!file.open(QIODevice::ReadOnly))
+            return {};
+        return QString::fromUtf8(file.readAll()).split(QStringLiteral("\r\n"), Qt::SkipEmptyParts);
+    }
+
+    static QByteArray readAll(const QString &path)
+    {
+        QFile file(path);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+
+    static QStringList datedCopies(const QString &folder)
+    {
+        return QDir(folder).entryList({QStringLiteral("corvane-monitor.cfg_*")}, QDir::Files);
+    }
+
+    // Starts corvane-sim on a free loopback port; returns the port, 0 on failure.
+    static quint16 startSimulator(QProcess &sim)
+    {
+        sim.start(QStringLiteral(CORVANE_SIM_EXE),
+                  {QStringLiteral("--tcp"), QStringLiteral("0"), QStringLiteral("--count"),
+                   QString::number(kWelds), QStringLiteral("--interval"), QStringLiteral("40"),
+                   QStringLiteral("--seed"), QStringLiteral("7")});
+        if (!sim.waitForStarted(5000))
+            return 0;
+        const QRegularExpression announced(QStringLiteral("^tcp 127\\.0\\.0\\.1:(\\d+)\\s*$"));
+        for (int tries = 0; tries < 50 && !sim.canReadLine(); ++tries)
+            sim.waitForReadyRead(100);
+        const QRegularExpressionMatch match = announced.match(QString::fromUtf8(sim.readLine()));
+        return match.hasMatch() ? quint16(match.captured(1).toUInt()) : 0;
+    }
+
+private slots:
+    void logsEveryWeldAndSavesOnSigterm()
+    {
+        QTemporaryDir folder;
+        QProcess sim;
+        const quint16 port = startSimulator(sim);
+        QVERIFY2(port != 0, "corvane-sim announced no port");
+
+        const QString dataLog = folder.filePath(QStringLiteral("press 1.txt"));
+        const QString configurations = folder.filePath(QStringLiteral("corvane-monitor.cfg"));
+        // Written by hand, with line breaks and indentation: the saved file is the
+        // monitor's own compact form, so the save at exit leaves a dated copy.
+        const QString handWritten =
+            QStringLiteral("<Configurations>\n"
+                           "  <Configuration>\n"
+                           "    <Equipment Name=\"Press 1\" Settings=\"IP:127.0.0.1:%1\"/>\n"
+                           "    <DataLogging Enable=\"1\" File=\"%2\"/>\n"
+                           "  </Configuration>\n"
+                           "</Configurations>")
+                .arg(port)
+                .arg(dataLog);
+        {
+            QFile file(configurations);
+            QVERIFY(file.open(QIODevice::WriteOnly));
+            file.write(handWritten.toUtf8());
+        }
+
+        QProcess monitor;
+        monitor.setProcessEnvironment(environment(folder));
+        monitor.start(QStringLiteral(CORVANE_MONITOR_EXE),
+                      {QStringLiteral("--headless"), QStringLiteral("--data-dir"), folder.path(),
+                       QStringLiteral("--verbose")});
+        QVERIFY(monitor.waitForStarted(5000));
+        // A failed check must not leave the monitor or the simulator running.
+        const auto cleanUp = qScopeGuard([&] {
+            monitor.kill();
+            monitor.waitForFinished(5000);
+            sim.kill();
+            sim.waitForFinished(5000);
+        });
+
+        // The header line and one line per weld.
+        QTRY_COMPARE_WITH_TIMEOUT(lines(dataLog).size(), kWelds + 1, 30000);
+        QTRY_COMPARE_WITH_TIMEOUT(sim.state(), QProcess::NotRunning, 10000);
+        QCOMPARE(sim.exitCode(), 0);
+        const QStringList logged = lines(dataLog);
+        for (const QString &line : logged.mid(1))
+            QCOMPARE(line.count(u'\t'), logged.first().count(u'\t'));
+        QVERIFY(datedCopies(folder.path()).isEmpty());
+
+        monitor.terminate(); // SIGTERM
+        QVERIFY(monitor.waitForFinished(10000));
+        const QString errors = QString::fromUtf8(monitor.readAllStandardError());
+        QCOMPARE(monitor.exitStatus(), QProcess::NormalExit);
+        QVERIFY2(monitor.exitCode() == 0, qPrintable(errors));
+
+        const QStringList printed =
+            QString::fromUtf8(monitor.readAllStandardOutput()).split(u'\n', Qt::SkipEmptyParts);
+        QCOMPARE(printed.size(), kWelds);
+        for (int i = 0; i < kWelds; ++i)
+            QVERIFY2(printed[i].startsWith(QLatin1String("Press 1: cycle ")),
+                     qPrintable(printed[i]));
+
+        const QByteArray saved = readAll(configurations);
+        QVERIFY(!saved.contains('\n'));
+        QVERIFY2(saved.contains(QStringLiteral("Settings=\"IP:127.0.0.1:%1\"").arg(port).toUtf8()),
+                 saved.constData());
+        const QStringList copies = datedCopies(folder.path());
+        QCOMPARE(copies.size(), 1);
+        QCOMPARE(readAll(folder.filePath(copies.first())), saved);
+        // Nothing in the folder but what the run is meant to leave there.
+        QVERIFY2(!QFile::exists(folder.filePath(QStringLiteral("corvane-monitor.errors.log"))),
+                 qPrintable(QString::fromUtf8(
+                     readAll(folder.filePath(QStringLiteral("corvane-monitor.errors.log"))))));
+    }
+
+    void firstRunWithoutWindowStopsOnSigint()
+    {
+        QTemporaryDir folder;
+        const QString dataFolder = folder.filePath(QStringLiteral("new/Corvane"));
+        QProcess monitor;
+        QProcessEnvironment env = environment(folder);
+        env.insert(QStringLiteral("CORVANE_DATA_DIR"), dataFolder);
+        monitor.setProcessEnvironment(env);
+        monitor.start(QStringLiteral(CORVANE_MONITOR_EXE), QStringList{});
+        QVERIFY(monitor.waitForStarted(5000));
+        // The data folder is made and the empty configurations file left in it.
+        QByteArray errors;
+        QTRY_VERIFY_WITH_TIMEOUT((errors += monitor.readAllStandardError()).contains("watching 0"),
+                                 10000);
+        QVERIFY(errors.contains("running headless"));
+        QVERIFY(QFile::exists(QDir(dataFolder).filePath(QStringLiteral("corvane-monitor.cfg"))));
+
+        ::kill(pid_t(monitor.processId()), SIGINT);
+        QVERIFY(monitor.waitForFinished(10000));
+        QCOMPARE(monitor.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(monitor.exitCode(), 0);
+        QCOMPARE(readAll(QDir(dataFolder).filePath(QStringLiteral("corvane-monitor.cfg"))),
+                 QByteArray("<Configurations/>"));
+        QCOMPARE(datedCopies(dataFolder).size(), 1);
+    }
+
+    // A file that cannot be loaded holds no configuration this run owns: it is reported
+    // and stays as it is, for whoever is editing it.
+    void corruptFileIsLeftAsItIs()
+    {
+        QTemporaryDir folder;
+        const QByteArray corrupt = "<Configurations><Configuration>";
+        QFile file(folder.filePath(QStringLiteral("corvane-monitor.cfg")));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(corrupt);
+        file.close();
+        QProcess monitor;
+        monitor.setProcessEnvironment(environment(folder));
+        monitor.start(QStringLiteral(CORVANE_MONITOR_EXE),
+                      {QStringLiteral("--headless"), QStringLiteral("--data-dir"), folder.path()});
+        QByteArray errors;
+        QTRY_VERIFY_WITH_TIMEOUT((errors += monitor.readAllStandardError()).contains("watching 0"),
+                                 10000);
+        QVERIFY2(errors.contains("dlgMain.BuildConfigurations"), errors.constData());
+        monitor.terminate();
+        QVERIFY(monitor.waitForFinished(10000));
+        QCOMPARE(monitor.exitCode(), 0);
+        QCOMPARE(readAll(file.fileName()), corrupt);
+        QVERIFY(datedCopies(folder.path()).isEmpty());
+    }
+
+    void badUsage()
+    {
+        QTemporaryDir folder;
+        QProcess monitor;
+        monitor.setProcessEnvironment(environment(folder));
+        monitor.start(QStringLiteral(CORVANE_MONITOR_EXE),
+                      {QStringLiteral("--headless"), QStringLiteral("--data-dir")});
+        QVERIFY(monitor.waitForFinished(10000));
+        QCOMPARE(monitor.exitCode(), 2);
+        QVERIFY(monitor.readAllStandardError().contains("Usage: corvane-monitor"));
+        QVERIFY(QDir(folder.path()).entryList(QDir::Files).isEmpty());
+    }
+};
+
+QTEST_GUILESS_MAIN(TestHeadless)
+#include "tst_headless.moc"
