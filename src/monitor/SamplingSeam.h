@@ -2,6 +2,8 @@
 
 #include <QDomDocument>
 #include <QDomElement>
+#include <QObject>
+#include <QString>
 
 struct CorvaneFUN26;
 class DatasetCollection;
@@ -34,6 +36,17 @@ public:
     // Copies the SPC database's specification limits of the configured part into the
     // datasets of the same name, when sampling is enabled.
     virtual void InitializeSpecificationLimits(DatasetCollection &datasets) = 0;
+
+    // The SPC part that subgroups are stored for, shown in the monitor's part box.
+    virtual QString Part() const { return {}; }
+    // Lets the engineer choose the SPC part from the database's part list, the chooser
+    // belonging to owner's window. True when the part changed. Without SPC sampling
+    // there is nothing to choose.
+    virtual bool SelectPart(QObject *owner)
+    {
+        Q_UNUSED(owner)
+        return false;
+    }
 };
 
 // The sampling object of a monitor without SPC sampling: never enabled, starts

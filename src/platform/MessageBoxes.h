@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QString>
+
+// The message service through which logic tells the user something that stops what
+// they asked for (a sampling run that cannot start, a part that cannot be chosen now).
+// The window shows these as modal message boxes; a headless run writes them where its
+// operator looks.
+class MessageBoxes
+{
+public:
+    virtual ~MessageBoxes() = default;
+
+    // A message with the critical icon; title and text are already translated.
+    virtual void critical(const QString &title, const QString &text) = 0;
+    // The short warning sound for a command that is refused.
+    virtual void beep() = 0;
+};

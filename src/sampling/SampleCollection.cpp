@@ -1,0 +1,238 @@
+// The collection half of SamplingProperties: the sampling periods of a running monitor
+// and the subgroup that each period leaves in the SPC database.
+
+#include "DatabaseSupport.h"
+#include "SamplingProperties.h"
+
+#include "platform/Clock.h"
+#include "platform/ErrorPassing.h"
+#include "platform/MessageBoxes.h"
+#include "platform/qlxLanguage.h"
+#include "platform/spc/Database.h"
+#include "stats/DatasetCollection.h"
+
+#include <cstdlib>
+
+using qlaDatabase6::SubgroupHeader;
+using qlaDatabase6::TestItem;
+
+// The alarm groups in the order their items follow each other in a subgroup, with the
+// LogAlarms bit that selects each and the item's name.
+const std::array<SamplingProperties::AlarmLogGroup, SubgroupRecord::kGroupCount>
+    SamplingProperties::kAlarmLogOrder = {{
+        {32, AlarmGroup::CycleModified, u"6457|Cycle Modified Alarms"},
+        {16, AlarmGroup::EquipmentFailure, u"6458|Equipment Failure Alarms"},
+        {4, AlarmGroup::NoCycle, u"6459|No Cycle Alarms"},
+        {64, AlarmGroup::Note, u"6460|Note Alarms"},
+        {8, AlarmGroup::Overload, u"6461|Overload Alarms"},
+        {1, AlarmGroup::RejectPart, u"6462|Reject Part Alarms"},
+        {2, AlarmGroup::SuspectPart, u"6463|Suspect Part Alarms"},
+    }};
+
+// ---- Start and stop ------------------------------------------------------------------
+
+bool SamplingProperties::StartCollection(const qlxLanguage &language)
+{
+    bool mayRun = false;
+    reportFailures(m_services.errors, "SamplingProperties.StartCollection", [&] {
+        // Without the database library, or with sampling off, the monitor runs without
+        // sampling.
+        if (!libraryAvailable() || !m_enabled) {
+            mayRun = true;
+            return;
+        }
+        // The message to the user says what went wrong; the database's own reason
+        // would only be a second message for the same failure.
+        if (!ensureConnected(nullptr)) {
+            refuseStart(language, u"5298|Unable To Connect");
+            return;
+        }
+        m_part = m_part.trimmed();
+        if (m_part.isEmpty()) {
+            refuseStart(language, u"1844|NO PART! A part must be selected before continuing.");
+            return;
+        }
+        m_process = m_process.trimmed();
+        if (m_process.isEmpty()) {
+            refuseStart(language,
+                        u"1845|NO PROCESS! A process must be selected before continuing.");
+            return;
+        }
+        ResolvePartGroupFromPart();
+        ResolveProcessGroupFromProcess();
+        m_sourceTag = QLatin1String(kSourceTag);
+
+        m_subgroupRecord.clear();
+        m_collecting = true;
+        m_nextSampleTime = m_services.clock.now();
+        SetNextSamplingPeriod();
+        mayRun = true;
+    });
+    return mayRun;
+}
+
+void SamplingProperties::refuseStart(const qlxLanguage &language, QStringView token)
+{
+    m_services.messageBoxes.critical(language.Translate(u"6337|SPC Sampling"),
+                                     language.Translate(token) + QStringLiteral("\r\n\r\n") +
+                                         DataSourceName());
+}
+
+void SamplingProperties::StopCollection(const qlxLanguage &language,
+                                        const DatasetCollection &datasets)
+{
+    reportFailures(m_services.errors, "SamplingProperties.StopCollection", [&] {
+        if (!libraryAvailable() || !m_collecting)
+            return;
+        SaveSubgroup(language, datasets);
+        m_collecting = false;
+    });
+}
+
+void SamplingProperties::ResolvePartGroupFromPart()
+{
+    passOn("SamplingProperties.ResolvePartGroupFromPart",
+           [&] { m_partGroup = m_services.support.ResolvePartGroup(*m_database, m_part); });
+}
+
+void SamplingProperties::ResolveProcessGroupFromProcess()
+{
+    passOn("SamplingProperties.ResolveProcessGroupFromProcess", [&] {
+        m_processGroup = m_services.support.ResolveProcessGroup(*m_database, m_process);
+    });
+}
+
+// ---- Periods -------------------------------------------------------------------------
+
+void SamplingProperties::SetNextSamplingPeriod()
+{
+    // Counted from where the last period was scheduled to end, not from when it was
+    // saved: the timer's lateness never shifts the periods.
+    m_periodStart = m_nextSampleTime;
+    m_nextSampleTime = m_periodStart.addSecs(m_samplingPeriod);
+}
+
+void SamplingProperties::AddToSample(const qlxLanguage &language, const CorvaneFUN26 &record)
+{
+    Q_UNUSED(language) // the alarm texts are translated when the period is saved
+    if (!m_collecting)
+        return;
+    reportFailures(m_services.errors, "SamplingProperties.AddToSample", [&] {
+        m_subgroupRecord.addWeld();
+        AccumulateErrorCodes(record);
+    });
+}
+
+void SamplingProperties::AccumulateErrorCodes(const CorvaneFUN26 &record)
+{
+    passOn("SamplingProperties.AccumulateErrorCodes",
+           [&] { m_subgroupRecord.AccumulateErrorCodes(record); });
+}
+
+void SamplingProperties::ProcessSamplePeriod(const qlxLanguage &language,
+                                             const DatasetCollection &datasets)
+{
+    reportFailures(m_services.errors, "SamplingProperties.ProcessSamplePeriod", [&] {
+        if (!libraryAvailable() || !m_collecting)
+            return;
+        if (m_services.clock.now() < m_nextSampleTime)
+            return;
+        SaveSubgroup(language, datasets);
+        SetNextSamplingPeriod();
+    });
+}
+
+// ---- Saving a period -----------------------------------------------------------------
+
+void SamplingProperties::SaveSubgroup(const qlxLanguage &language,
+                                      const DatasetCollection &datasets)
+{
+    if (m_subgroupRecord.WeldCount <= 0)
+        return;
+    // Each step reports its own failure and the save goes on with the next, so that a
+    // characteristic that cannot be read does not cost the period its other values.
+    // Only a subgroup that could not be started is not filled, lest the previous
+    // period's items be stored again.
+    if (reportFailures(m_services.errors, "SamplingProperties.InitializeSubgroup",
+                       [&] { InitializeSubgroup(); })) {
+        reportFailures(m_services.errors, "SamplingProperties.SaveVariableCharacteristics",
+                       [&] { SaveVariableCharacteristics(datasets); });
+        reportFailures(m_services.errors, "SamplingProperties.SaveDataRate",
+                       [&] { SaveDataRate(language); });
+        reportFailures(m_services.errors, "SamplingProperties.SaveAlarmCodes",
+                       [&] { SaveAlarmCodes(language); });
+        reportFailures(m_services.errors, "SamplingProperties.SaveSubgroup",
+                       [&] { m_subgroup->store(*m_database); });
+    }
+    m_subgroupRecord.clear();
+}
+
+void SamplingProperties::InitializeSubgroup()
+{
+    if (!m_subgroup)
+        m_subgroup.emplace();
+    SubgroupHeader header;
+    header.flag = true;
+    header.valueCount = m_subgroupRecord.WeldCount;
+    header.dateTime = m_nextSampleTime;
+    header.partGroup = m_partGroup;
+    header.part = m_part;
+    header.processGroup = m_processGroup;
+    header.process = m_process;
+    header.sourceTag = m_sourceTag;
+    m_subgroup->setHeader(header);
+}
+
+void SamplingProperties::SaveVariableCharacteristics(const DatasetCollection &datasets)
+{
+    const qint32 weldCount = m_subgroupRecord.WeldCount;
+    const qint32 values = m_subgroupSize < weldCount ? m_subgroupSize : weldCount;
+    for (const std::unique_ptr<Dataset> &dataset : datasets) {
+        if (!dataset->SampleEnabled && m_collectionType != kCollectEveryCharacteristic)
+            continue;
+        m_subgroup->AddTestItem(dataset->Name, TestItem::kMeasuredValue);
+        // Newest first: sample 1 is the last weld of the period.
+        const qint32 newest = dataset->Count();
+        for (qint32 i = 0; i < values; ++i)
+            m_subgroup->addValue(i + 1, dataset->GetValue(newest - i));
+    }
+}
+
+void SamplingProperties::SaveDataRate(const qlxLanguage &language)
+{
+    const qint64 elapsed = std::llabs(m_periodStart.secsTo(m_nextSampleTime));
+    m_subgroup->AddTestItem(language.Translate(u"6361|Data Rate"), TestItem::kMeasuredValue);
+    if (elapsed == 0)
+        throw ProgramError::divisionByZero(QStringLiteral("SamplingProperties.SaveDataRate"));
+    // Welds per minute over the period.
+    m_subgroup->addValue(1, double(m_subgroupRecord.WeldCount) / (double(elapsed) / 60.0));
+}
+
+void SamplingProperties::SaveAlarmCodes(const qlxLanguage &language)
+{
+    if (!m_enableAlarmLogging || m_logAlarms == 0)
+        return;
+    for (const AlarmLogGroup &entry : kAlarmLogOrder) {
+        if (m_logAlarms & entry.logBit)
+            SetAlarmTestItem(language.Translate(entry.label),
+                             m_subgroupRecord.counters(entry.group),
+                             CorvaneUSWSupport::AlarmCodes(entry.group), language);
+    }
+}
+
+void SamplingProperties::SetAlarmTestItem(const QString &label,
+                                          const SubgroupRecord::AlarmCounters &counters,
+                                          const AlarmTable &alarmTexts, const qlxLanguage &language)
+{
+    m_subgroup->AddTestItem(label, TestItem::kAlarmList);
+    // An alarm is listed once however often it came: the value says it was present.
+    qint32 listed = 0;
+    for (std::size_t bit = 0; bit < counters.size(); ++bit) {
+        if (counters[bit] != 0 && !alarmTexts[bit].isEmpty())
+            m_subgroup->addValue(++listed, 1.0, language.Translate(alarmTexts[bit]));
+    }
+    // A quiet group still gets its entry, so that every logged group appears in every
+    // subgroup.
+    if (listed == 0)
+        m_subgroup->addValue(1, 0.0);
+}

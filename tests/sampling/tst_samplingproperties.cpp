@@ -1,0 +1,258 @@
+#include "ManualClock.h"
+#include "RecordingErrorReport.h"
+#include "SamplingDoubles.h"
+
+#include "platform/ProgramFiles.h"
+#include "sampling/DatabaseSupport.h"
+#include "sampling/SamplingProperties.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <memory>
+
+namespace {
+
+using DatabaseMaker = std::function<std::unique_ptr<qlaDatabase6::Database>()>;
+
+// One monitor's sampling settings, with the data folder in a temporary folder.
+struct Settings
+{
+    explicit Settings(DatabaseMaker makeDatabase = {})
+        : support(errors, ProgramFiles(folder.path()))
+        , sampling(SamplingServices{errors, clock, support, boxes, folder.path(),
+                                    std::move(makeDatabase), nullptr})
+    {}
+
+    // Reads the "Sampling" element out of a "Configuration" element's text.
+    void load(const QString &samplingXml)
+    {
+        QDomDocument document;
+        QVERIFY(document.setContent(
+            QStringLiteral("<Configuration>%1</Configuration>").arg(samplingXml)));
+        sampling.SetXMLNode(document.documentElement());
+    }
+
+    QString saved()
+    {
+        QDomDocument document;
+        document.appendChild(sampling.GetXMLNode(document));
+        return document.toString(-1);
+    }
+
+    QTemporaryDir folder;
+    RecordingErrorReport errors;
+    ManualClock clock;
+    RecordingMessageBoxes boxes;
+    DatabaseSupport support;
+    SamplingProperties sampling;
+};
+
+CountingDatabase *counted(std::unique_ptr<qlaDatabase6::Database> &holder)
+{
+    auto database = std::make_unique<CountingDatabase>();
+    CountingDatabase *seen = database.get();
+    holder = std::move(database);
+    return seen;
+}
+
+void fillEveryField(SamplingProperties &sampling)
+{
+    sampling.setEnabled(false); // no connection wanted
+    sampling.setDataSourceName(QStringLiteral("sqlite:/plant/line3.db"));
+    sampling.setPart(QStringLiteral("Housing <A&B>"));
+    sampling.setAllowPartReselect(true);
+    sampling.setProcess(QStringLiteral("Seal \"weld\""));
+    sampling.setSamplingPeriod(3600);
+    sampling.setCollectionType(1);
+    sampling.setSubgroupSize(5);
+    sampling.setEnableAlarmLogging(true);
+    sampling.setLogAlarms(127);
+}
+
+QList<QVariant> fields(const SamplingProperties &sampling)
+{
+    return {sampling.Enabled(),           sampling.DataSourceName(), sampling.Part(),
+            sampling.AllowPartReselect(), sampling.Process(),        sampling.SamplingPeriod(),
+            sampling.CollectionType(),    sampling.SubgroupSize(),   sampling.EnableAlarmLogging(),
+            sampling.LogAlarms()};
+}
+
+using Attributes = QMap<QString, QString>;
+
+Attributes attributes(const QDomElement &element)
+{
+    Attributes map;
+    const QDomNamedNodeMap all = element.attributes();
+    for (int i = 0; i < all.count(); ++i)
+        map.insert(all.item(i).nodeName(), all.item(i).nodeValue());
+    return map;
+}
+
+} // namespace
+
+// The "Sampling" element of a monitor's configuration: its exact layout, what a reader
+// does with missing or odd attributes, and when loading connects to the database.
+class TestSamplingProperties : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void newObjectWritesDefaults()
+    {
+        Settings settings;
+        QDomDocument document;
+        const QDomElement sampling = settings.sampling.GetXMLNode(document);
+        QCOMPARE(sampling.tagName(), QStringLiteral("Sampling"));
+        QCOMPARE(attributes(sampling), (Attributes{{"Enabled", "False"},
+                                                   {"SamplingPeriod", "300"},
+                                                   {"CollectionType", "0"},
+                                                   {"SubgroupSize", "1"},
+                                                   {"EnableAlarmLogging", "False"},
+                                                   {"LogAlarms", "0"}}));
+        // The children follow each other in this order; the DOM keeps no order of
+        // attributes.
+        QStringList children;
+        for (QDomElement child = sampling.firstChildElement(); !child.isNull();
+             child = child.nextSiblingElement())
+            children << child.tagName();
+        QCOMPARE(children, (QStringList{"Database", "Part", "Process"}));
+        QCOMPARE(attributes(sampling.firstChildElement(QStringLiteral("Database"))),
+                 (Attributes{{"DSN", QDir(settings.folder.path()).filePath("spc.db")}}));
+        QCOMPARE(attributes(sampling.firstChildElement(QStringLiteral("Part"))),
+                 (Attributes{{"Name", ""}, {"Reselect", "False"}}));
+        QCOMPARE(attributes(sampling.firstChildElement(QStringLiteral("Process"))),
+                 (Attributes{{"Name", ""}}));
+        QVERIFY(settings.errors.isEmpty());
+    }
+
+    void writtenElementReadsBackTheSame()
+    {
+        Settings writer;
+        fillEveryField(writer.sampling);
+        const QString xml = writer.saved();
+        Settings reader;
+        reader.load(xml);
+        QCOMPARE(fields(reader.sampling), fields(writer.sampling));
+        QVERIFY(reader.errors.isEmpty());
+    }
+
+    void missingAttributesKeepTheirFields()
+    {
+        Settings settings;
+        fillEveryField(settings.sampling);
+        const QList<QVariant> before = fields(settings.sampling);
+        settings.load(QString()); // a configuration from before sampling existed
+        settings.load(QStringLiteral("<Sampling/>"));
+        settings.load(QStringLiteral("<Sampling><Database/><Part/><Process/></Sampling>"));
+        QCOMPARE(fields(settings.sampling), before);
+
+        settings.load(
+            QStringLiteral("<Sampling SubgroupSize=\"7\"><Part Name=\"Cover\"/></Sampling>"));
+        QList<QVariant> expected = before;
+        expected[2] = QStringLiteral("Cover");
+        expected[7] = 7;
+        QCOMPARE(fields(settings.sampling), expected);
+        QVERIFY(settings.errors.isEmpty());
+    }
+
+    void attributeTexts_data()
+    {
+        QTest::addColumn<QString>("xml");
+        QTest::addColumn<bool>("alarmLogging");
+        QTest::addColumn<int>("subgroupSize");
+        QTest::addColumn<int>("errorNumber");
+        // The fields start as alarm logging on and subgroup size 5.
+        QTest::newRow("words in any case")
+            << "EnableAlarmLogging=\"fALSE\" SubgroupSize=\" 42 \"" << false << 42 << 0;
+        QTest::newRow("zero") << "EnableAlarmLogging=\"0\"" << false << 5 << 0;
+        QTest::newRow("other numbers") << "EnableAlarmLogging=\"-1\"" << true << 5 << 0;
+        QTest::newRow("unknown word keeps") << "EnableAlarmLogging=\"yes\"" << true << 5 << 0;
+        QTest::newRow("fraction rounds") << "SubgroupSize=\"2.5\"" << true << 2 << 0;
+        QTest::newRow("not a number") << "EnableAlarmLogging=\"False\" SubgroupSize=\"five\""
+                                      << false << 5 << int(ProgramError::kTypeMismatch);
+        QTest::newRow("too large")
+            << "SubgroupSize=\"2147483648\"" << true << 5 << int(ProgramError::kOverflow);
+    }
+    void attributeTexts()
+    {
+        QFETCH(QString, xml);
+        QFETCH(bool, alarmLogging);
+        QFETCH(int, subgroupSize);
+        QFETCH(int, errorNumber);
+        Settings settings;
+        settings.sampling.setEnableAlarmLogging(true);
+        settings.sampling.setSubgroupSize(5);
+        settings.load(QStringLiteral("<Sampling %1 LogAlarms=\"12\"/>").arg(xml));
+        QCOMPARE(settings.sampling.EnableAlarmLogging(), alarmLogging);
+        QCOMPARE(settings.sampling.SubgroupSize(), subgroupSize);
+        // A bad number costs only its own field.
+        QCOMPARE(settings.sampling.LogAlarms(), 12);
+        QCOMPARE(settings.errors.count(), errorNumber ? 1 : 0);
+        if (errorNumber) {
+            QCOMPARE(settings.errors.last().number, errorNumber);
+            QCOMPARE(settings.errors.last().location,
+                     QStringLiteral("SamplingProperties.SetXMLNode"));
+            QVERIFY(settings.errors.last().description.contains(QLatin1String("SubgroupSize")));
+        }
+    }
+
+    void dataSourceNameIsHandedToTheDatabase()
+    {
+        std::unique_ptr<qlaDatabase6::Database> holder;
+        CountingDatabase *database = counted(holder);
+        Settings settings([&] { return std::move(holder); });
+        const QString byDefault = QDir(settings.folder.path()).filePath(QStringLiteral("spc.db"));
+        QCOMPARE(database->dataSourceName(), byDefault);
+        const int changes = database->nameChanges;
+
+        settings.load(
+            QStringLiteral("<Sampling><Database DSN=\"sqlite:/plant/a.db\"/></Sampling>"));
+        QCOMPARE(database->dataSourceName(), QStringLiteral("sqlite:/plant/a.db"));
+        QCOMPARE(database->nameChanges, changes + 1);
+        // The same name again leaves the connection alone.
+        settings.load(
+            QStringLiteral("<Sampling><Database DSN=\"sqlite:/plant/a.db\"/></Sampling>"));
+        QCOMPARE(database->nameChanges, changes + 1);
+        settings.load(QStringLiteral("<Sampling><Database DSN=\"\"/></Sampling>"));
+        QCOMPARE(database->dataSourceName(), byDefault);
+        // Sampling is off: loading never reached for the database.
+        QCOMPARE(database->calls, 0);
+    }
+
+    void loadingConnectsOnlyWhenEnabled()
+    {
+        Settings settings;
+        const QString file = settings.folder.filePath(QStringLiteral("line3.db"));
+        settings.load(
+            QStringLiteral("<Sampling Enabled=\"False\"><Database DSN=\"%1\"/></Sampling>")
+                .arg(file));
+        QVERIFY(!settings.sampling.database().isConnected());
+        QVERIFY(!QFile::exists(file));
+
+        settings.load(QStringLiteral("<Sampling Enabled=\"True\"/>"));
+        QVERIFY(settings.sampling.database().isConnected());
+        QVERIFY(QFile::exists(file));
+        QVERIFY(settings.errors.isEmpty());
+    }
+
+    void failedConnectionIsReportedAndSettingsStayLoaded()
+    {
+        Settings settings;
+        settings.load(QStringLiteral("<Sampling Enabled=\"True\" SubgroupSize=\"9\">"
+                                     "<Database DSN=\"/nonexistent-corvane/spc.db\"/>"
+                                     "<Process Name=\"Seal weld\"/></Sampling>"));
+        QVERIFY(!settings.sampling.database().isConnected());
+        QCOMPARE(settings.errors.count(), 1);
+        QCOMPARE(settings.errors.last().location, QStringLiteral("SamplingProperties.SetXMLNode"));
+        QVERIFY(!settings.errors.last().description.isEmpty());
+        QCOMPARE(settings.sampling.SubgroupSize(), 9);
+        QCOMPARE(settings.sampling.Process(), QStringLiteral("Seal weld"));
+        QVERIFY(settings.boxes.messages.isEmpty());
+    }
+};
+
+QTEST_GUILESS_MAIN(TestSamplingProperties)
+#include "tst_samplingproperties.moc"
