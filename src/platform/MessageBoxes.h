@@ -15,4 +15,13 @@ public:
     virtual void critical(const QString &title, const QString &text) = 0;
     // The short warning sound for a command that is refused.
     virtual void beep() = 0;
+    // A yes-or-no question before something is done that cannot be taken back (a new
+    // part in the SPC database); true when the user answered yes. Without a user to
+    // ask, the answer is no.
+    virtual bool question(const QString &title, const QString &text)
+    {
+        Q_UNUSED(title)
+        Q_UNUSED(text)
+        return false;
+    }
 };
