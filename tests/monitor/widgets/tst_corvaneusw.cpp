@@ -1,0 +1,498 @@
+// The monitor's face over a real engine: welds go in as frames through the link's data
+// event, and the rows, the status block, the alarms list and the commands are checked
+// as the engineer sees them.
+
+#include "FixedLimitsSampling.h"
+#include "MonitorFixture.h"
+#include "SampleWelds.h"
+
+#include "monitor/widgets/AlarmLinesView.h"
+#include "monitor/widgets/CorvaneUsw.h"
+#include "protocol/Function26Frame.h"
+#include "stats/widgets/BgrColor.h"
+#include "stats/widgets/HorizontalMeter.h"
+#include "stats/widgets/dlgSummary.h"
+
+#include <QAbstractItemModel>
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTest>
+#include <QToolButton>
+
+namespace {
+
+constexpr int kRows = CorvaneUsw::kRowCount;
+constexpr qint32 kEnergy = 2;
+const QString kNone = QStringLiteral("----");
+
+QByteArray welds(int first, int last)
+{
+    QByteArray bytes;
+    for (int cycle = first; cycle <= last; ++cycle)
+        bytes +=
+            Function26Frame::encode(SampleWelds::record(cycle), MeasurementSystem::Metric) + '\x55';
+    return bytes;
+}
+
+// A face over a monitor on a fake TCP link, with limits from a stand-in for the SPC
+// database.
+struct Face
+{
+    explicit Face(std::function<void(qlxLanguage &)> translations = {})
+        : fixture(false, MeasurementSystem::Metric, [this] {
+            auto made = std::make_unique<FixedLimitsSampling>();
+            sampling = made.get();
+            return made;
+        })
+    {
+        if (translations)
+            translations(fixture.language);
+        view = std::make_unique<CorvaneUsw>(monitor(), fixture.errors);
+        view->Initialize(fixture.language, 0);
+        monitor().setEquipment(QStringLiteral("Line 4"), QStringLiteral("IP:192.0.2.7:3001"));
+        view->resize(900, 600);
+    }
+
+    EquipmentMonitor &monitor() { return *fixture.monitor; }
+    template <typename T> T *control(const QString &name) const
+    {
+        return view->findChild<T *>(name);
+    }
+    template <typename T> T *rowControl(const char *name, int row) const
+    {
+        return control<T>(QLatin1String(name) + u'_' + QString::number(row));
+    }
+    HorizontalMeter *meter(int row) const { return rowControl<HorizontalMeter>("hmMeter", row); }
+    QString lastValue(int row) const { return rowControl<QLineEdit>("txtLastValue", row)->text(); }
+    QString label(const char *name) const { return control<QLabel>(QLatin1String(name))->text(); }
+
+    void start()
+    {
+        monitor().StartStop();
+        fixture.socket->accept();
+    }
+    void stop() { monitor().StartStop(); }
+    // One arrival of bytes from the power supply, then the pass of the event loop that
+    // redraws the face.
+    void arrive(const QByteArray &bytes)
+    {
+        fixture.socket->deliver(bytes);
+        QCoreApplication::processEvents();
+    }
+    const Dataset &dataset(qint32 number) const
+    {
+        return fixture.monitor->datasets().Item(DatasetCollection::keyFor(number));
+    }
+
+    // Set while the fixture makes its monitor, so declared before it.
+    FixedLimitsSampling *sampling = nullptr;
+    MonitorFixture fixture;
+    std::unique_ptr<CorvaneUsw> view;
+};
+
+QColor barPixel(HorizontalMeter *meter)
+{
+    return meter->grab().toImage().pixelColor(meter->barRect().center());
+}
+
+class PaintCounter : public QObject
+{
+public:
+    int paints = 0;
+
+protected:
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        if (event->type() == QEvent::Paint)
+            ++paints;
+        return false;
+    }
+};
+
+} // namespace
+
+class TestCorvaneUsw : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void beforeTheFirstWeldEverythingReadsDashes()
+    {
+        Face face;
+        for (int row = 0; row < kRows; ++row) {
+            auto *selector = face.rowControl<QComboBox>("cboCharacteristic", row);
+            QVERIFY(selector && face.meter(row) && face.rowControl<QToolButton>("bnSetup", row));
+            QCOMPARE(selector->count(), 8);
+            QCOMPARE(selector->itemData(row).toInt(), row + 1);
+            QCOMPARE(selector->itemText(kEnergy - 1), QStringLiteral("Energy"));
+            face.monitor().setRowSelection(row, row + 1);
+        }
+        face.start();
+        QCoreApplication::processEvents();
+        for (int row = 0; row < kRows; ++row) {
+            QVERIFY(!face.meter(row)->meterEnabled());
+            QCOMPARE(face.lastValue(row), kNone);
+        }
+        for (const char *name :
+             {"lblMode", "lblLastWeld", "lblAlarms", "lblRunTime", "lblWelds", "lblWeldsPerHour"})
+            QCOMPARE(face.label(name), kNone);
+    }
+
+    void rowsShowTheirCharacteristicAndAnEmptyRowStaysOff()
+    {
+        Face face;
+        for (int row = 0; row < kRows - 1; ++row)
+            face.monitor().setRowSelection(row, row + 1);
+        face.start();
+        // The first weld alone: lowest and highest value are equal, and so are the ends of
+        // the scale, which the meter accepts.
+        face.arrive(welds(1, 1));
+        QCOMPARE(face.meter(1)->LimitLower(), face.meter(1)->LimitUpper());
+        face.arrive(welds(2, 4));
+        QVERIFY(face.fixture.errors.isEmpty());
+
+        for (int row = 0; row < kRows - 1; ++row) {
+            const Dataset &dataset = face.dataset(row + 1);
+            HorizontalMeter *meter = face.meter(row);
+            QVERIFY(meter->meterEnabled());
+            QCOMPARE(meter->ValueMinimum(), dataset.Minimum());
+            QCOMPARE(meter->ValueAverage(), dataset.Average());
+            QCOMPARE(meter->ValueCurrent(), dataset.LastValue());
+            QCOMPARE(meter->ValueMaximum(), dataset.Maximum());
+            QCOMPARE(meter->LimitLower(), dataset.Minimum());
+            QCOMPARE(meter->LimitUpper(), dataset.Maximum());
+            QCOMPARE(meter->Unit(), dataset.Unit);
+            QCOMPARE(meter->NumberFormat(), QStringLiteral("0.0000"));
+            QVERIFY(!meter->HideLimitLower() && !meter->HideLimitUpper());
+            QCOMPARE(meter->ColorMeter(), face.view->palette().color(QPalette::Button));
+        }
+        // Weld 4: energy (1200 + 4) x 0.1 J.
+        QCOMPARE(face.lastValue(kEnergy - 1), QLocale().toString(120.4, 'f', 4));
+        QVERIFY(!face.meter(kRows - 1)->meterEnabled());
+        QCOMPARE(face.lastValue(kRows - 1), kNone);
+    }
+
+    // The scale follows limits and values wherever they go; the meter refuses a lower
+    // end above its upper end at any moment, so a wrong order shows as a report.
+    void theScaleMovesWithoutCrossingItsEnds()
+    {
+        Face face;
+        face.monitor().setRowSelection(0, kEnergy);
+        const auto run = [&](std::optional<FixedLimitsSampling::Limits> limits) {
+            face.sampling->limits.remove(kEnergy);
+            if (limits)
+                face.sampling->limits.insert(kEnergy, *limits);
+            face.start();
+            face.arrive(welds(1, 3));
+            face.stop();
+        };
+        HorizontalMeter *meter = face.meter(0);
+        run(std::nullopt); // from 0 .. 10 up to the values, 120 J and more
+        QCOMPARE(meter->LimitLower(), face.dataset(kEnergy).Minimum());
+        run(FixedLimitsSampling::specification(-50, -10));
+        QCOMPARE(meter->LimitLower(), -50.0);
+        QCOMPARE(meter->LimitUpper(), -10.0);
+        run(FixedLimitsSampling::specification(1000, 2000));
+        QCOMPARE(meter->LimitLower(), 1000.0);
+        QCOMPARE(meter->LimitUpper(), 2000.0);
+        // A lower limit alone, above every value: the row still shows, out of
+        // specification, between the highest value and the limit.
+        run(FixedLimitsSampling::Limits{Dataset::kLowerSpecLimit, 500, 0, 0, 0});
+        QCOMPARE(meter->LimitLower(), face.dataset(kEnergy).Maximum());
+        QCOMPARE(meter->LimitUpper(), 500.0);
+        QCOMPARE(meter->ColorMeter(), BgrColor::toColor(BgrColor::kRed));
+        QVERIFY2(face.fixture.errors.isEmpty(),
+                 qPrintable(face.fixture.errors.isEmpty()
+                                ? QString()
+                                : face.fixture.errors.last().description));
+    }
+
+    void barAndMarkerColours_data()
+    {
+        // Limits relative to the energy of the weld shown (v); markers of minimum,
+        // average and maximum, which are all v after one weld.
+        QTest::addColumn<int>("flags");
+        QTest::addColumn<double>("lowerSpec");
+        QTest::addColumn<double>("upperSpec");
+        QTest::addColumn<double>("lowerWarning");
+        QTest::addColumn<double>("upperWarning");
+        QTest::addColumn<quint32>("bar"); // blue-green-red; 1 for the button face
+        QTest::addColumn<quint32>("marker");
+
+        const int bothLimits = Dataset::kLowerSpecLimit | Dataset::kUpperSpecLimit;
+        const int withWarnings =
+            bothLimits | Dataset::kLowerWarningLimit | Dataset::kUpperWarningLimit;
+        QTest::newRow("no limits") << 0 << 0.0 << 0.0 << 0.0 << 0.0 << 1u << BgrColor::kBlack;
+        QTest::newRow("within") << withWarnings << -10.0 << 10.0 << -5.0 << 5.0 << BgrColor::kGreen
+                                << BgrColor::kBlack;
+        QTest::newRow("on the upper limit")
+            << bothLimits << -10.0 << 0.0 << 0.0 << 0.0 << BgrColor::kGreen << BgrColor::kBlack;
+        QTest::newRow("on the lower limit")
+            << bothLimits << 0.0 << 10.0 << 0.0 << 0.0 << BgrColor::kGreen << BgrColor::kBlack;
+        QTest::newRow("past a warning") << withWarnings << -10.0 << 10.0 << -5.0 << -1.0
+                                        << BgrColor::kYellow << BgrColor::kBlack;
+        QTest::newRow("above the upper") << withWarnings << -10.0 << -0.001 << -20.0 << -15.0
+                                         << BgrColor::kRed << BgrColor::kRed;
+        QTest::newRow("below the lower")
+            << bothLimits << 0.001 << 10.0 << 0.0 << 0.0 << BgrColor::kRed << BgrColor::kRed;
+    }
+
+    void barAndMarkerColours()
+    {
+        QFETCH(int, flags);
+        QFETCH(double, lowerSpec);
+        QFETCH(double, upperSpec);
+        QFETCH(double, lowerWarning);
+        QFETCH(double, upperWarning);
+        QFETCH(quint32, bar);
+        QFETCH(quint32, marker);
+
+        Face face;
+        face.monitor().setRowSelection(0, kEnergy);
+        // A first run learns the energy as the link decodes it, so that limits can sit
+        // exactly on it.
+        face.start();
+        face.arrive(welds(7, 7));
+        face.stop();
+        const double v = face.dataset(kEnergy).LastValue();
+        face.sampling->limits.insert(
+            kEnergy, {flags, v + lowerSpec, v + upperSpec, v + lowerWarning, v + upperWarning});
+        face.start();
+        face.arrive(welds(7, 7));
+
+        HorizontalMeter *meter = face.meter(0);
+        const QColor expected =
+            bar == 1 ? face.view->palette().color(QPalette::Button) : BgrColor::toColor(bar);
+        QCOMPARE(meter->ColorMeter(), expected);
+        QCOMPARE(barPixel(meter), expected);
+        for (const QColor &color :
+             {meter->ColorMinimum(), meter->ColorAverage(), meter->ColorMaximum()})
+            QCOMPARE(color, BgrColor::toColor(marker));
+        QVERIFY(face.fixture.errors.isEmpty());
+    }
+
+    void statusBlockAndWeldsPerHour()
+    {
+        Face face;
+        ManualClock &clock = face.fixture.clock;
+        face.start();
+        face.arrive(welds(1, 1));
+        const CorvaneFUN26 first = SampleWelds::record(1);
+        QCOMPARE(face.label("lblMode"), first.WeldModeDescription(face.fixture.language));
+        QVERIFY(face.label("lblMode") != kNone);
+        QCOMPARE(face.label("lblLastWeld"), QStringLiteral("1  22:05:09"));
+        QCOMPARE(face.label("lblRunTime"), QStringLiteral("00:00:00"));
+        QCOMPARE(face.label("lblWelds"), QStringLiteral("1"));
+        // Elapsed 0: the rate is not known and the label keeps what it showed.
+        QCOMPARE(face.label("lblWeldsPerHour"), kNone);
+
+        clock.advanceSeconds(7);
+        face.arrive(welds(2, 3));
+        // 3 welds in 7 s: 1542.86 an hour, cut to 1542.
+        QCOMPARE(face.label("lblWeldsPerHour"), QStringLiteral("1542"));
+        QCOMPARE(face.label("lblLastWeld"), QStringLiteral("3  22:05:16"));
+        QCOMPARE(face.label("lblAlarms"), QString::number(face.monitor().totalAlarms()));
+        QVERIFY(face.monitor().totalAlarms() > 0);
+
+        clock.advanceSeconds(25 * 3600 - 7);
+        face.arrive(welds(4, 4));
+        QCOMPARE(face.label("lblRunTime"), QStringLiteral("25:00:00"));
+        QCOMPARE(face.label("lblWeldsPerHour"), QStringLiteral("0"));
+        clock.advanceSeconds(-25 * 3600 + 3600);
+        face.arrive(welds(5, 5));
+        QCOMPARE(face.label("lblWeldsPerHour"), QStringLiteral("5"));
+
+        // A new run: its first weld is at elapsed 0 again, and the rate of the last run
+        // stays up until the next weld.
+        face.stop();
+        face.start();
+        face.arrive(welds(6, 6));
+        QCOMPARE(face.label("lblWelds"), QStringLiteral("1"));
+        QCOMPARE(face.label("lblRunTime"), QStringLiteral("00:00:00"));
+        QCOMPARE(face.label("lblWeldsPerHour"), QStringLiteral("5"));
+    }
+
+    void startStopFollowsTheMonitorAndLocksTheRows()
+    {
+        Face face([](qlxLanguage &language) {
+            language.setText(3786, QStringLiteral("&Begin"));
+            language.setText(929, QStringLiteral("&Halt"));
+        });
+        auto *button = face.control<QPushButton>(QStringLiteral("bnStartStop"));
+        auto *part = face.control<QPushButton>(QStringLiteral("bnPartSelect"));
+        const auto selectorsEnabled = [&](bool enabled) {
+            for (int row = 0; row < kRows; ++row) {
+                if (face.rowControl<QComboBox>("cboCharacteristic", row)->isEnabled() != enabled)
+                    return false;
+            }
+            return part->isEnabled() == enabled;
+        };
+        QCOMPARE(button->text(), QStringLiteral("&Begin"));
+        QVERIFY(selectorsEnabled(true));
+
+        face.view->show();
+        QVERIFY(QTest::qWaitForWindowActive(face.view.get()));
+        // The mnemonic presses the button (which shows the press for a moment first).
+        QTest::keyClick(face.view->windowHandle(), Qt::Key_B, Qt::AltModifier);
+        QTRY_VERIFY(face.fixture.socket && face.fixture.socket->connects.size() == 1);
+        QCOMPARE(button->text(), QStringLiteral("&Halt"));
+        QVERIFY(selectorsEnabled(false));
+        QVERIFY(face.rowControl<QToolButton>("bnSetup", 0)->isEnabled() ==
+                (face.monitor().rowSelection(0) != 0));
+
+        QTest::mouseClick(button, Qt::LeftButton);
+        QCOMPARE(button->text(), QStringLiteral("&Begin"));
+        QVERIFY(selectorsEnabled(true));
+    }
+
+    void selectorsAndMonitorAgree()
+    {
+        Face face;
+        face.start();
+        face.arrive(welds(1, 2));
+        auto *selector = face.rowControl<QComboBox>("cboCharacteristic", 3);
+        selector->setCurrentIndex(selector->findData(kEnergy));
+        QCOMPARE(face.monitor().rowSelection(3), kEnergy);
+        QVERIFY(face.view->refreshPending());
+        QCoreApplication::processEvents();
+        QVERIFY(face.meter(3)->meterEnabled());
+        QCOMPARE(face.meter(3)->ValueCurrent(), face.dataset(kEnergy).LastValue());
+
+        // The monitor's configuration chooses rows too, and its shutdown clears them.
+        face.stop();
+        QVERIFY(face.monitor().Load(
+            QStringLiteral("<Configuration><List Index=\"5\" ItemData=\"8\"/></Configuration>")));
+        QCoreApplication::processEvents();
+        QCOMPARE(face.rowControl<QComboBox>("cboCharacteristic", 5)->currentData().toInt(), 8);
+        QVERIFY(face.monitor().ShutDown());
+        QCoreApplication::processEvents();
+        for (int row = 0; row < kRows; ++row) {
+            QCOMPARE(face.rowControl<QComboBox>("cboCharacteristic", row)->currentIndex(), -1);
+            QVERIFY(!face.meter(row)->meterEnabled());
+        }
+    }
+
+    void aBurstOfWeldsIsDrawnOnce()
+    {
+        Face face;
+        for (int row = 0; row < kRows; ++row)
+            face.monitor().setRowSelection(row, row + 1);
+        face.view->show();
+        QVERIFY(QTest::qWaitForWindowExposed(face.view.get()));
+        face.start();
+        face.arrive(welds(1, 1));
+        QTest::qWait(20);
+
+        PaintCounter counter;
+        face.meter(0)->installEventFilter(&counter);
+        QSignalSpy refreshes(face.view.get(), &CorvaneUsw::displayRefreshed);
+        face.fixture.socket->deliver(welds(2, 1001));
+        QCOMPARE(face.monitor().totalWelds(), 1001);
+        QTest::qWait(50);
+        QCOMPARE(refreshes.size(), 1);
+        QVERIFY2(counter.paints >= 1 && counter.paints <= 3,
+                 qPrintable(QStringLiteral("%1 paints").arg(counter.paints)));
+        QCOMPARE(face.meter(0)->ValueCurrent(), face.dataset(1).LastValue());
+        QCOMPARE(face.dataset(1).Count(), 1001);
+        QCOMPARE(face.label("lblWelds"), QStringLiteral("1001"));
+    }
+
+    void alarmsListNewestOnTop()
+    {
+        Face face;
+        auto *list = face.control<AlarmLinesView>(QStringLiteral("lstAlarms"));
+        QAbstractItemModel *model = list->model();
+        QSignalSpy inserted(model, &QAbstractItemModel::rowsInserted);
+        face.start();
+        face.arrive(welds(1, 6));
+        QCOMPARE(inserted.size(), 1);
+        const int firstLines = model->rowCount();
+        QVERIFY(firstLines > 0);
+        list->setCurrentRow(firstLines - 1);
+        const QString picked = model->index(list->currentRow(), 0).data().toString();
+
+        face.arrive(welds(7, 15));
+        QCOMPARE(inserted.size(), 2);
+        QCOMPARE(inserted.last().at(1).toInt(), 0); // the new lines go in on top
+        QStringList shown;
+        for (int row = 0; row < model->rowCount(); ++row)
+            shown << model->index(row, 0).data().toString();
+        QStringList expected = face.monitor().alarmsText().split(QStringLiteral("\r\n"));
+        expected.removeLast();
+        QCOMPARE(shown, expected);
+        QVERIFY(shown.first().startsWith(QStringLiteral("15: ")));
+        QCOMPARE(model->rowCount(), face.monitor().totalAlarms());
+        // The line the engineer picked stays picked while new lines come in above it.
+        QCOMPARE(model->index(list->currentRow(), 0).data().toString(), picked);
+
+        // At the top the newest lines show; further down the lines in sight stay put.
+        list->resize(300, 3 * list->lineHeight() + 2 * list->frameWidth());
+        list->setCurrentRow(0);
+        QCOMPARE(list->firstVisibleRow(), 0);
+        face.arrive(welds(16, 20));
+        QCOMPARE(list->firstVisibleRow(), 0);
+        list->setCurrentRow(model->rowCount() - 1);
+        const int reading = list->firstVisibleRow();
+        QVERIFY(reading > 0);
+        const QString inSight = model->index(reading, 0).data().toString();
+        face.arrive(welds(21, 21));
+        QCOMPARE(model->index(list->firstVisibleRow(), 0).data().toString(), inSight);
+
+        face.stop();
+        face.start();
+        QCoreApplication::processEvents();
+        QCOMPARE(model->rowCount(), 0);
+        QCOMPARE(list->currentRow(), -1);
+        face.arrive(welds(3, 3));
+        QCOMPARE(model->rowCount(), face.monitor().totalAlarms());
+        QVERIFY(model->index(0, 0).data().toString().startsWith(QStringLiteral("3: ")));
+    }
+
+    void partSummaryAndConnectionState()
+    {
+        Face face;
+        face.view->show();
+        face.sampling->part = QStringLiteral("Housing 7");
+        face.view->RefreshDisplay();
+        auto *part = face.control<QLineEdit>(QStringLiteral("txtPart"));
+        QCOMPARE(part->text(), QStringLiteral("Housing 7"));
+        face.view->bnPartSelect_Click(); // the chooser is cancelled
+        face.sampling->offeredPart = QStringLiteral("Housing 9");
+        QTest::mouseClick(face.control<QPushButton>(QStringLiteral("bnPartSelect")),
+                          Qt::LeftButton);
+        QCOMPARE(face.sampling->chooserOwners,
+                 QList<QObject *>({face.view.get(), face.view.get()}));
+        QCOMPARE(part->text(), QStringLiteral("Housing 9"));
+
+        // The summary of a row's characteristic; a row without one has nothing to show.
+        face.monitor().setRowSelection(2, kEnergy);
+        face.start();
+        face.arrive(welds(1, 5));
+        QVERIFY(!face.rowControl<QToolButton>("bnSetup", 4)->isEnabled());
+        QTest::mouseClick(face.rowControl<QToolButton>("bnSetup", 2), Qt::LeftButton);
+        auto *summary = face.view->findChild<dlgSummary *>();
+        QVERIFY(summary && summary->isVisible());
+        QCOMPARE(summary->windowTitle(), QStringLiteral("Energy"));
+        QCOMPARE(summary->figures().Values.size(), 5);
+        summary->close();
+
+        // The link's state: connecting is a problem, connected is not.
+        auto *icon = face.control<QLabel>(QStringLiteral("picConnectionProblem"));
+        face.stop();
+        face.monitor().StartStop();
+        face.monitor().Timer1_Timer();
+        QCOMPARE(face.label("lblConnection"), QStringLiteral("Connecting..."));
+        QVERIFY(!icon->isHidden());
+        face.fixture.socket->accept();
+        face.monitor().Timer1_Timer();
+        QCOMPARE(face.label("lblConnection"), QStringLiteral("Connected"));
+        QVERIFY(icon->isHidden());
+        QVERIFY(face.fixture.errors.isEmpty());
+    }
+};
+
+QTEST_MAIN(TestCorvaneUsw)
+#include "tst_corvaneusw.moc"
