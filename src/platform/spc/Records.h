@@ -85,7 +85,7 @@ public:
     {}
 };
 
-// The specification and warning limits of one test (characteristic) on one part. The
+// The specification limits and warning limits of one test (characteristic) on one part. The
 // flags word tells which limits are present, with the bits the statistics record uses:
 // 2 upper specification limit, 4 upper warning limit, 16 lower warning limit, 32 lower
 // specification limit. A limit whose bit is clear is kept as 0.

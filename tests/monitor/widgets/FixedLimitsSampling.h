@@ -6,7 +6,7 @@
 #include <QHash>
 
 // A sampling object that stands in for the SPC database: at every start of collection it
-// gives the characteristics the specification and warning limits a test has set, by
+// gives the characteristics the specification limits and warning limits a test has set, by
 // characteristic number, and it plays the part chooser.
 class FixedLimitsSampling : public NullSampling
 {
