@@ -227,8 +227,11 @@ bool SamplingProperties::SelectPart(QObject *owner)
             m_services.messageBoxes.beep();
             return;
         }
-        const qlaDatabase6::Part current =
-            m_services.support.ResolvePartByName(*m_database, m_part);
+        qlaDatabase6::Part current = m_services.support.ResolvePartByName(*m_database, m_part);
+        // Before the first connection (or for a part the database does not have) the
+        // record is empty; the chooser still opens on the configured name.
+        if (current.id() == 0)
+            current.setName(m_part);
         const std::optional<QString> chosen =
             m_services.partSelector->choosePart(owner, *m_database, current);
         if (chosen && chosen->compare(m_part, Qt::CaseInsensitive) != 0) {

@@ -1,0 +1,429 @@
+#include "SamplingWidgetFixture.h"
+
+#include "platform/spc/Database.h"
+#include "sampling/widgets/NumericEntry.h"
+#include "sampling/widgets/dlgSampling.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QRadioButton>
+
+namespace {
+
+// The settings as the configuration keeps them, for comparing before and after.
+QString settingsText(SamplingProperties &sampling)
+{
+    QDomDocument document;
+    document.appendChild(sampling.GetXMLNode(document));
+    return document.toString(-1);
+}
+
+QByteArray alarmBox(int index)
+{
+    return "chkAlarmLogging_" + QByteArray::number(index);
+}
+
+// A shown sampling dialog on new settings of a fixture's monitor.
+struct DialogCase
+{
+    DialogCase()
+        : sampling(fixture.makeSampling())
+    {}
+
+    dlgSampling &open()
+    {
+        dialog = std::make_unique<dlgSampling>(fixture.language, *sampling, fixture.services());
+        dialog->show();
+        return *dialog;
+    }
+
+    SamplingWidgetFixture fixture;
+    std::unique_ptr<SamplingProperties> sampling;
+    std::unique_ptr<dlgSampling> dialog;
+};
+
+} // namespace
+
+// The sampling dialog driven as the engineer drives it: what it shows for the stored
+// settings, what the keyboard may put into its number fields, what OK and Cancel leave in
+// the monitor's settings, and the part, process and data source taken from the database.
+class TestSamplingDialog : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void periodShowsInTheLargestEvenUnit_data()
+    {
+        QTest::addColumn<int>("seconds");
+        QTest::addColumn<QString>("number");
+        QTest::addColumn<QString>("unit");
+        QTest::addColumn<int>("unitSeconds");
+        // Minutes are translated, to see the list go through the language tables.
+        QTest::newRow("five minutes") << 300 << "5"
+                                      << "Minuten" << 60;
+        QTest::newRow("an hour") << 3600 << "1"
+                                 << "Hours" << 3600;
+        QTest::newRow("a shift") << 28800 << "8"
+                                 << "Hours" << 3600;
+        QTest::newRow("ninety seconds") << 90 << "90"
+                                        << "Seconds" << 1;
+        QTest::newRow("ninety minutes") << 5400 << "90"
+                                        << "Minuten" << 60;
+        QTest::newRow("nothing") << 0 << "0"
+                                 << "Hours" << 3600;
+    }
+
+    void periodShowsInTheLargestEvenUnit()
+    {
+        QFETCH(int, seconds);
+        QFETCH(QString, number);
+        QFETCH(QString, unit);
+        QFETCH(int, unitSeconds);
+        DialogCase test;
+        test.fixture.language.setText(499, QStringLiteral("Minuten"));
+        test.sampling->setSamplingPeriod(seconds);
+        dlgSampling &dialog = test.open();
+
+        auto *units = control<QComboBox>(&dialog, "cboUnit");
+        QCOMPARE(units->count(), 3);
+        QCOMPARE(control<QLineEdit>(&dialog, "txtInterval")->text(), number);
+        QCOMPARE(units->currentText(), unit);
+        QCOMPARE(units->currentData().toInt(), unitSeconds);
+        QCOMPARE(dialog.ctlSamplingPeriod(), seconds);
+    }
+
+    void periodReadsTheNumberTimesTheUnit_data()
+    {
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<int>("unit");
+        QTest::addColumn<int>("seconds");
+        QTest::newRow("minutes") << "90" << 1 << 5400;
+        QTest::newRow("hours") << "2" << 2 << 7200;
+        QTest::newRow("seconds") << "45" << 0 << 45;
+        QTest::newRow("empty") << "" << 2 << 0;
+        QTest::newRow("largest period") << "2147483647" << 0 << 2147483647;
+        // Too long for 32 bits: refused, and nothing is copied.
+        QTest::newRow("overflow") << "600000" << 2 << -1;
+    }
+
+    void periodReadsTheNumberTimesTheUnit()
+    {
+        QFETCH(QString, typed);
+        QFETCH(int, unit);
+        QFETCH(int, seconds);
+        DialogCase test;
+        dlgSampling &dialog = test.open();
+        const QString before = settingsText(*test.sampling);
+
+        tick(&dialog, "chkEnableSampling");
+        retype(&dialog, "txtInterval", typed);
+        control<QComboBox>(&dialog, "cboUnit")->setCurrentIndex(unit);
+        click(&dialog, "OKButton");
+        if (seconds >= 0) {
+            QVERIFY(dialog.isAccepted());
+            QCOMPARE(test.sampling->SamplingPeriod(), seconds);
+            return;
+        }
+        QVERIFY(dialog.isVisible());
+        QCOMPARE(test.fixture.errors.count(), 1);
+        QCOMPARE(test.fixture.errors.last().location, QStringLiteral("dlgSampling.OKButton_Click"));
+        QCOMPARE(test.fixture.errors.last().number, qint32(ProgramError::kOverflow));
+        QCOMPARE(settingsText(*test.sampling), before);
+    }
+
+    void numberFieldsTakeDigitsOnly_data()
+    {
+        QTest::addColumn<QByteArray>("field");
+        QTest::newRow("interval") << QByteArray("txtInterval");
+        QTest::newRow("subgroup size") << QByteArray("txtSubgroupSize");
+    }
+
+    void numberFieldsTakeDigitsOnly()
+    {
+        QFETCH(QByteArray, field);
+        DialogCase test;
+        dlgSampling &dialog = test.open();
+        auto *edit = control<QLineEdit>(&dialog, field.constData());
+
+        retype(&dialog, field.constData(), QStringLiteral("1a2"));
+        QCOMPARE(edit->text(), QStringLiteral("12"));
+        QTest::keyClicks(edit, QStringLiteral("-.,x Z"));
+        QCOMPARE(edit->text(), QStringLiteral("12"));
+        // From "~" on, characters have always passed unfiltered.
+        QTest::keyClicks(edit, QStringLiteral("~"));
+        QCOMPARE(edit->text(), QStringLiteral("12~"));
+        QTest::keyClick(edit, Qt::Key_Backspace);
+        QTest::keyClick(edit, Qt::Key_Backspace);
+        QTest::keyClicks(edit, QStringLiteral("09"));
+        QCOMPARE(edit->text(), QStringLiteral("109"));
+    }
+
+    void numericValueReadsTheLeadingNumber_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<double>("value");
+        QTest::newRow("trailing text") << "12 s" << 12.0;
+        QTest::newRow("blanks, fraction") << "  7.5" << 7.5;
+        QTest::newRow("sign") << "-3" << -3.0;
+        QTest::newRow("exponent") << "1e3" << 1000.0;
+        QTest::newRow("exponent without digits") << "5e" << 5.0;
+        QTest::newRow("tilde") << "~" << 0.0;
+        QTest::newRow("other script's digits") << QStringLiteral("\u0663") << 0.0;
+    }
+
+    void numericValueReadsTheLeadingNumber()
+    {
+        QFETCH(QString, text);
+        QFETCH(double, value);
+        QCOMPARE(NumericEntry::numericValue(text), value);
+    }
+
+    void alarmGroupsFollowTheirSwitch()
+    {
+        DialogCase test;
+        test.fixture.language.setText(6461, QStringLiteral("Overload (translated)"));
+        dlgSampling &dialog = test.open();
+        const QStringList captions = {
+            QStringLiteral("Reject Part Alarms"),
+            QStringLiteral("Suspect Part Alarms"),
+            QStringLiteral("No Cycle Alarms"),
+            QStringLiteral("Overload (translated)"),
+            QStringLiteral("Equipment Failure Alarms"),
+            QStringLiteral("Cycle Modified Alarms"),
+            QStringLiteral("Note Alarms"),
+        };
+        for (int index = 0; index < dlgSampling::kAlarmGroupCount; ++index)
+            QCOMPARE(control<QCheckBox>(&dialog, alarmBox(index).constData())->text(),
+                     captions[index]);
+        const auto enabledCount = [&] {
+            int enabled = 0;
+            for (int index = 0; index < dlgSampling::kAlarmGroupCount; ++index)
+                enabled += control<QCheckBox>(&dialog, alarmBox(index).constData())->isEnabled();
+            return enabled;
+        };
+
+        // Logging is off in new settings: the groups start locked.
+        QCOMPARE(enabledCount(), 0);
+        tick(&dialog, "chkEnableAlarmLogging");
+        QCOMPARE(enabledCount(), 7);
+        tick(&dialog, "chkEnableAlarmLogging");
+        QCOMPARE(enabledCount(), 0);
+        QTest::keyClick(control<QWidget>(&dialog, "chkEnableAlarmLogging"), Qt::Key_Space);
+        QCOMPARE(enabledCount(), 7);
+    }
+
+    void okCopiesEveryField()
+    {
+        DialogCase test;
+        dlgSampling &dialog = test.open();
+        QVERIFY(control<QRadioButton>(&dialog, "optCharacteristics_0")->isChecked());
+
+        tick(&dialog, "chkEnableSampling");
+        tick(&dialog, "optCharacteristics_1");
+        retype(&dialog, "txtPart", QStringLiteral("BRK-100"));
+        tick(&dialog, "chkPartReselect");
+        retype(&dialog, "txtProcess", QStringLiteral("Welding"));
+        retype(&dialog, "txtInterval", QStringLiteral("2"));
+        control<QComboBox>(&dialog, "cboUnit")->setCurrentIndex(2);
+        retype(&dialog, "txtSubgroupSize", QStringLiteral("5"));
+        tick(&dialog, "chkEnableAlarmLogging");
+        for (int index : {0, 3, 6})
+            tick(&dialog, alarmBox(index).constData());
+        click(&dialog, "OKButton");
+
+        QVERIFY(dialog.isAccepted());
+        QVERIFY(!dialog.isVisible());
+        SamplingProperties &sampling = *test.sampling;
+        QVERIFY(sampling.Enabled());
+        QCOMPARE(sampling.CollectionType(), 1);
+        QCOMPARE(sampling.Part(), QStringLiteral("BRK-100"));
+        QVERIFY(sampling.AllowPartReselect());
+        QCOMPARE(sampling.Process(), QStringLiteral("Welding"));
+        QCOMPARE(sampling.SamplingPeriod(), 7200);
+        QCOMPARE(sampling.SubgroupSize(), 5);
+        QVERIFY(sampling.EnableAlarmLogging());
+        QCOMPARE(sampling.LogAlarms(), 1 | 8 | 64);
+        QVERIFY(test.fixture.errors.isEmpty());
+    }
+
+    void cancelCopiesNothing()
+    {
+        DialogCase test;
+        test.sampling->setPart(QStringLiteral("HSG-7"));
+        test.sampling->setLogAlarms(2);
+        dlgSampling &dialog = test.open();
+        const QString before = settingsText(*test.sampling);
+
+        tick(&dialog, "chkEnableSampling");
+        tick(&dialog, "optCharacteristics_1");
+        retype(&dialog, "txtPart", QStringLiteral("BRK-100"));
+        retype(&dialog, "txtSubgroupSize", QStringLiteral("9"));
+        tick(&dialog, "chkEnableAlarmLogging");
+        tick(&dialog, "chkAlarmLogging_5");
+        click(&dialog, "CancelButton");
+
+        QVERIFY(!dialog.isVisible());
+        QVERIFY(!dialog.isAccepted());
+        QCOMPARE(settingsText(*test.sampling), before);
+    }
+
+    void logAlarmsShowsAndReadsBackThroughTheBoxes_data()
+    {
+        QTest::addColumn<int>("stored");
+        QTest::addColumn<QList<int>>("toggled");
+        QTest::addColumn<int>("saved");
+        QTest::newRow("none, tick two") << 0 << QList<int>{1, 4} << (2 | 16);
+        QTest::newRow("every other, untick one") << 0x55 << QList<int>{2} << (0x55 & ~4);
+        QTest::newRow("all, untick all") << 127 << QList<int>{0, 1, 2, 3, 4, 5, 6} << 0;
+        QTest::newRow("a bit beyond the groups is dropped") << (128 | 1) << QList<int>{} << 1;
+    }
+
+    void logAlarmsShowsAndReadsBackThroughTheBoxes()
+    {
+        QFETCH(int, stored);
+        QFETCH(QList<int>, toggled);
+        QFETCH(int, saved);
+        DialogCase test;
+        test.sampling->setEnableAlarmLogging(true);
+        test.sampling->setLogAlarms(stored);
+        dlgSampling &dialog = test.open();
+
+        for (int index = 0; index < dlgSampling::kAlarmGroupCount; ++index) {
+            QCOMPARE(control<QCheckBox>(&dialog, alarmBox(index).constData())->isChecked(),
+                     (stored & (1 << index)) != 0);
+        }
+        for (int index : toggled)
+            tick(&dialog, alarmBox(index).constData());
+        click(&dialog, "OKButton");
+        QCOMPARE(test.sampling->LogAlarms(), saved);
+    }
+
+    void partAndProcessComeFromTheDatabase()
+    {
+        DialogCase test;
+        QVERIFY(SamplingWidgetFixture::fillDatabase(test.fixture.databasePath()));
+        test.sampling->setPart(QStringLiteral("BRK-100"));
+        dlgSampling &dialog = test.open();
+
+        QString preselected;
+        ModalAnswer partPicker(QStringLiteral("dlgSelectPart"), [&](QDialog *picker) {
+            preselected = control<QLineEdit>(picker, "txtName")->text();
+            retype(picker, "txtName", QStringLiteral("hsg"));
+            QTest::keyClick(control<QWidget>(picker, "txtName"), Qt::Key_Down);
+            click(picker, "OKButton");
+        });
+        click(&dialog, "bnPart");
+        QVERIFY(partPicker.seen());
+        QCOMPARE(preselected, QStringLiteral("BRK-100"));
+        QCOMPARE(control<QLineEdit>(&dialog, "txtPart")->text(), QStringLiteral("HSG-7"));
+
+        ModalAnswer processPicker(QStringLiteral("dlgSelectProcess"), [&](QDialog *picker) {
+            retype(picker, "txtName", QStringLiteral("staking"));
+            click(picker, "OKButton");
+        });
+        click(&dialog, "bnProcess");
+        QVERIFY(processPicker.seen());
+        QCOMPARE(control<QLineEdit>(&dialog, "txtProcess")->text(), QStringLiteral("Staking"));
+
+        // The choices are the dialog's until OK.
+        QCOMPARE(test.sampling->Part(), QStringLiteral("BRK-100"));
+        click(&dialog, "OKButton");
+        QCOMPARE(test.sampling->Part(), QStringLiteral("HSG-7"));
+        QCOMPARE(test.sampling->Process(), QStringLiteral("Staking"));
+        QVERIFY(test.fixture.errors.isEmpty());
+    }
+
+    void aDatabaseOutOfReachIsToldAndNoPickerOpens()
+    {
+        DialogCase test;
+        const QString unreachable =
+            QDir(test.fixture.folder.path()).filePath(QStringLiteral("missing/spc.db"));
+        test.sampling->setDataSourceName(unreachable);
+        dlgSampling &dialog = test.open();
+
+        ModalAnswer picker(QStringLiteral("dlgSelectProcess"), [](QDialog *) {});
+        click(&dialog, "bnProcess");
+        QTest::qWait(50);
+        QVERIFY(!picker.seen());
+        QCOMPARE(test.fixture.messages.count(), 1);
+        QCOMPARE(test.fixture.messages.last().title, QStringLiteral("SPC Sampling"));
+        QVERIFY(test.fixture.messages.last().text.startsWith(
+            QStringLiteral("Unable To Connect\r\n\r\n") + unreachable));
+    }
+
+    void dataSourceButtonConnectsTheMonitorsDatabase()
+    {
+        DialogCase test;
+        QTemporaryDir other;
+        const QString chosen = QDir(other.path()).filePath(QStringLiteral("plant.db"));
+        QVERIFY(SamplingWidgetFixture::fillDatabase(chosen));
+        dlgSampling &dialog = test.open();
+        auto *shown = control<QLabel>(&dialog, "lblDSN");
+        QCOMPARE(shown->toolTip(), test.fixture.databasePath());
+
+        QString offered;
+        ModalAnswer chooser(QStringLiteral("dlgDataSource"), [&](QDialog *source) {
+            offered = control<QLineEdit>(source, "txtFile")->text();
+            retype(source, "txtFile", chosen);
+            click(source, "OKButton");
+        });
+        click(&dialog, "bnDSN");
+        QVERIFY(chooser.seen());
+        QCOMPARE(offered, test.fixture.databasePath());
+        QCOMPARE(test.sampling->DataSourceName(), chosen);
+        QVERIFY(test.sampling->database().isConnected());
+        QCOMPARE(shown->toolTip(), chosen);
+        QVERIFY(test.fixture.messages.isEmpty());
+
+        // Any connection of the database shows the source it connected to.
+        const QString elsewhere = QDir(other.path()).filePath(QStringLiteral("line2.db"));
+        test.sampling->setDataSourceName(elsewhere);
+        QCOMPARE(shown->toolTip(), chosen);
+        QVERIFY(test.sampling->database().openConnection());
+        QCOMPARE(shown->toolTip(), elsewhere);
+    }
+
+    void aLongDataSourceKeepsItsFileNameInView()
+    {
+        DialogCase test;
+        const QString deep = QStringLiteral("/srv/plant/quality/spc/lines/hall-3/ultrasonic/"
+                                            "welders/line-2-station-14/databases/line2-spc.db");
+        test.sampling->setDataSourceName(deep);
+        dlgSampling &dialog = test.open();
+        QVERIFY(QTest::qWaitForWindowExposed(&dialog));
+        auto *shown = control<QLabel>(&dialog, "lblDSN");
+
+        QVERIFY(shown->text().endsWith(QStringLiteral("line2-spc.db")));
+        QVERIFY(shown->fontMetrics().horizontalAdvance(shown->text()) <=
+                shown->contentsRect().width());
+        dialog.resize(dialog.width() + 400, dialog.height());
+        QCOMPARE(shown->text(), deep);
+    }
+
+    void looksInOrder()
+    {
+        DialogCase test;
+        test.sampling->setPart(QStringLiteral("BRK-100"));
+        test.sampling->setEnableAlarmLogging(true);
+        dlgSampling &dialog = test.open();
+        QVERIFY(QTest::qWaitForWindowExposed(&dialog));
+        saveRendering(&dialog);
+
+        // Every control lies inside the window and is wide enough for its caption, so
+        // that nothing is cut off at the size the dialog opens with.
+        for (QWidget *child : dialog.findChildren<QWidget *>()) {
+            if (!child->isVisible() || child->objectName().isEmpty())
+                continue;
+            const QRect area(child->mapTo(&dialog, QPoint(0, 0)), child->size());
+            QVERIFY2(dialog.rect().contains(area), qPrintable(child->objectName()));
+            if (qobject_cast<QAbstractButton *>(child))
+                QVERIFY2(child->width() >= child->minimumSizeHint().width(),
+                         qPrintable(child->objectName()));
+        }
+    }
+};
+
+QTEST_MAIN(TestSamplingDialog)
+#include "tst_samplingdialog.moc"
