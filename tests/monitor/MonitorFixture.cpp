@@ -38,6 +38,12 @@ void MonitorFixture::configure(const QString &address, bool dataLogging)
     monitor->setDataLogging(dataLogging, dataLogPath());
 }
 
+void MonitorFixture::feed(const QByteArray &bytes)
+{
+    monitor->receiveBytes(bytes);
+    monitor->ProcessDataStream();
+}
+
 QStringList MonitorFixture::dataLogLines() const
 {
     return crlfLines(dataLogPath());

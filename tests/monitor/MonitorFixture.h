@@ -23,7 +23,10 @@ struct MonitorFixture
                             std::function<std::unique_ptr<SamplingSeam>()> makeSampling = {});
 
     // A monitor with the given address, initialized and loaded.
-    void configure(const QString &address, bool dataLogging = false);
+    void configure(const QString &address = QStringLiteral("IP:127.0.0.1:1000"),
+                   bool dataLogging = false);
+    // Bytes arrive and the monitor works through its receive buffer.
+    void feed(const QByteArray &bytes);
 
     QString dataLogPath() const { return folder.filePath(QStringLiteral("welds.txt")); }
     QStringList dataLogLines() const;

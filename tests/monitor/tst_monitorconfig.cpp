@@ -33,6 +33,18 @@ public:
     int reads = 0;
 };
 
+// Makes the monitor's sampling object and keeps a pointer to the last one made.
+struct SamplingMaker
+{
+    std::unique_ptr<SamplingSeam> operator()()
+    {
+        auto object = std::make_unique<AttributeSampling>();
+        *made = object.get();
+        return object;
+    }
+    AttributeSampling **made;
+};
+
 QString xmlOf(const QDomElement &element)
 {
     QString text;
@@ -85,200 +97,180 @@ class tst_MonitorConfig : public QObject
     Q_OBJECT
 
 private slots:
-    void writesTheElementLayout();
-    void roundTrip();
-    void olderEquipmentForm();
-    void rowsAndDefaults_data();
-    void rowsAndDefaults();
-    void enableReadAsBoolean_data();
-    void enableReadAsBoolean();
-    void malformedTextChangesOnlyTheLinkState_data();
-    void malformedTextChangesOnlyTheLinkState();
+    void writesTheElementLayout()
+    {
+        AttributeSampling *sampling = nullptr;
+        MonitorFixture f(false, MeasurementSystem::Metric, SamplingMaker{&sampling});
+        f.configure(QStringLiteral("COM:3,9600,E,8,1,2"), true);
+        f.monitor->setRowSelection(1, 7);
+        f.monitor->setRowSelection(7, 2);
+        sampling->subgroupSize = 5;
+
+        const QDomElement root = f.monitor->GetXMLNode();
+        QCOMPARE(root.tagName(), QStringLiteral("Configuration"));
+        QVERIFY(!root.ownerDocument().isNull());
+        QCOMPARE(childNames(root),
+                 (QStringList{"Equipment", "DataLogging", "Sampling", "List", "List", "List",
+                              "List", "List", "List", "List", "List"}));
+        const QString expected =
+            QStringLiteral("<Configuration>"
+                           "<Equipment Name=\"Line 4\" Settings=\"COM:3,9600,E,8,1,2\"/>"
+                           "<DataLogging Enable=\"1\" File=\"%1\"/>"
+                           "<Sampling SubgroupSize=\"5\"/>"
+                           "<List Index=\"0\" ItemData=\"0\"/><List Index=\"1\" ItemData=\"7\"/>"
+                           "<List Index=\"2\" ItemData=\"0\"/><List Index=\"3\" ItemData=\"0\"/>"
+                           "<List Index=\"4\" ItemData=\"0\"/><List Index=\"5\" ItemData=\"0\"/>"
+                           "<List Index=\"6\" ItemData=\"0\"/><List Index=\"7\" ItemData=\"2\"/>"
+                           "</Configuration>")
+                .arg(f.dataLogPath());
+        QCOMPARE(canonical(root), canonical(expected));
+
+        // Without SPC sampling no Sampling element is written at all.
+        MonitorFixture plain;
+        plain.configure(QStringLiteral("IP:h:1"));
+        QVERIFY(plain.monitor->GetXMLNode().firstChildElement(QStringLiteral("Sampling")).isNull());
+        QCOMPARE(plain.monitor->GetXMLNode()
+                     .firstChildElement(QStringLiteral("DataLogging"))
+                     .attribute(QStringLiteral("Enable")),
+                 QStringLiteral("0"));
+    }
+
+    void roundTrip()
+    {
+        AttributeSampling *sampling = nullptr;
+        const SamplingMaker makeSampling{&sampling};
+        MonitorFixture first(false, MeasurementSystem::Metric, makeSampling);
+        first.configure(QStringLiteral("IP:welder-7.plant:3001"), true);
+        for (int row = 0; row < EquipmentMonitor::kRowCount; ++row)
+            first.monitor->setRowSelection(row, 8 - row);
+        sampling->subgroupSize = 4;
+        const QString saved = xmlOf(first.monitor->GetXMLNode());
+
+        MonitorFixture second(false, MeasurementSystem::Metric, makeSampling);
+        second.monitor->Initialize(second.language, 1);
+        QVERIFY(second.monitor->Load(saved));
+        QCOMPARE(sampling->reads, 1);
+        QCOMPARE(sampling->subgroupSize, 4);
+        QVERIFY(second.monitor->SPCSamplingEnabled());
+        QCOMPARE(second.monitor->configurationName(), QStringLiteral("Line 4"));
+        QCOMPARE(second.monitor->address(), QStringLiteral("IP:welder-7.plant:3001"));
+        QVERIFY(second.monitor->configuration().dataLoggingEnabled);
+        QCOMPARE(second.monitor->configuration().dataLogFile, first.dataLogPath());
+        for (int row = 0; row < EquipmentMonitor::kRowCount; ++row)
+            QCOMPARE(second.monitor->rowSelection(row), 8 - row);
+        QCOMPARE(canonical(second.monitor->GetXMLNode()), canonical(saved));
+    }
+
+    void olderEquipmentForm()
+    {
+        MonitorFixture f;
+        f.monitor->Initialize(f.language, 0);
+        QVERIFY(f.monitor->Load(QStringLiteral(
+            "<Configuration><Equipment Name=\"Horn 2\" Address=\"192.0.2.5\" Port=\"3001\"/>"
+            "</Configuration>")));
+        QCOMPARE(f.monitor->address(), QStringLiteral("IP:192.0.2.5:3001"));
+        const QDomElement equipment =
+            f.monitor->GetXMLNode().firstChildElement(QStringLiteral("Equipment"));
+        QCOMPARE(equipment.attribute(QStringLiteral("Settings")),
+                 QStringLiteral("IP:192.0.2.5:3001"));
+        QVERIFY(!equipment.hasAttribute(QStringLiteral("Address")));
+        QVERIFY(!equipment.hasAttribute(QStringLiteral("Port")));
+
+        QVERIFY(f.monitor->Load(
+            QStringLiteral("<Configuration><Equipment Address=\"welder\"/></Configuration>")));
+        QCOMPARE(f.monitor->address(), QStringLiteral("IP:welder:1000"));
+        QCOMPARE(f.monitor->configurationName(), QString());
+    }
+
+    void rowsAndDefaults_data()
+    {
+        QTest::addColumn<QString>("lists");
+        QTest::addColumn<QList<int>>("rows");
+        QTest::newRow("in order")
+            << "<List Index=\"0\" ItemData=\"4\"/><List Index=\"7\" ItemData=\"1\"/>"
+            << QList<int>{4, 0, 0, 0, 0, 0, 0, 1};
+        QTest::newRow("beyond the rows")
+            << "<List Index=\"8\" ItemData=\"4\"/><List Index=\"-1\" ItemData=\"2\"/>"
+            << QList<int>{0, 0, 0, 0, 0, 0, 0, 0};
+        QTest::newRow("unknown characteristic")
+            << "<List Index=\"2\" ItemData=\"9\"/>" << QList<int>{0, 0, 0, 0, 0, 0, 0, 0};
+        QTest::newRow("later wins")
+            << "<List Index=\"2\" ItemData=\"5\"/><List Index=\"2\" ItemData=\"6\"/>"
+            << QList<int>{0, 0, 6, 0, 0, 0, 0, 0};
+    }
+
+    void rowsAndDefaults()
+    {
+        QFETCH(QString, lists);
+        QFETCH(QList<int>, rows);
+        MonitorFixture f;
+        f.monitor->Initialize(f.language, 0);
+        for (int row = 0; row < EquipmentMonitor::kRowCount; ++row)
+            f.monitor->setRowSelection(row, 0);
+        QVERIFY(f.monitor->Load(QStringLiteral("<Configuration>") + lists +
+                                QStringLiteral("</Configuration>")));
+        for (int row = 0; row < EquipmentMonitor::kRowCount; ++row)
+            QCOMPARE(f.monitor->rowSelection(row), rows.at(row));
+    }
+
+    void enableReadAsBoolean_data()
+    {
+        QTest::addColumn<QString>("element");
+        QTest::addColumn<bool>("enabled");
+        QTest::addColumn<QString>("written");
+        QTest::newRow("1") << "<DataLogging Enable=\"1\" File=\"a.txt\"/>" << true << "1";
+        QTest::newRow("true") << "<DataLogging Enable=\"TRUE\" File=\"a.txt\"/>" << true << "1";
+        QTest::newRow("missing keeps") << "<DataLogging File=\"a.txt\"/>" << true << "1";
+    }
+
+    void enableReadAsBoolean()
+    {
+        QFETCH(QString, element);
+        QFETCH(bool, enabled);
+        QFETCH(QString, written);
+        MonitorFixture f;
+        f.configure(QStringLiteral("IP:h:1"), true);
+        QVERIFY(f.monitor->Load(QStringLiteral("<Configuration>") + element +
+                                QStringLiteral("</Configuration>")));
+        QCOMPARE(f.monitor->configuration().dataLoggingEnabled, enabled);
+        QCOMPARE(f.monitor->configuration().dataLogFile, QStringLiteral("a.txt"));
+        QCOMPARE(f.monitor->GetXMLNode()
+                     .firstChildElement(QStringLiteral("DataLogging"))
+                     .attribute(QStringLiteral("Enable")),
+                 written);
+    }
+
+    void malformedTextChangesOnlyTheLinkState_data()
+    {
+        QTest::addColumn<QString>("xml");
+        QTest::newRow("empty") << QString();
+        QTest::newRow("not XML") << "<Configuration><Equipment Name=\"x\"";
+        QTest::newRow("no Configuration")
+            << "<Other><Equipment Name=\"x\" Settings=\"IP:a:1\"/></Other>";
+    }
+
+    void malformedTextChangesOnlyTheLinkState()
+    {
+        QFETCH(QString, xml);
+        AttributeSampling *sampling = nullptr;
+        MonitorFixture f(false, MeasurementSystem::Metric, SamplingMaker{&sampling});
+        f.configure(QStringLiteral("IP:h:1"), true);
+        f.monitor->setRowSelection(4, 4);
+        QVERIFY(f.monitor->ShutDown());
+        f.monitor->setRowSelection(4, 4);
+        QCOMPARE(f.monitor->DriverState(), 0);
+        const QString before = canonical(f.monitor->GetXMLNode());
+        QSignalSpy refreshes(f.monitor.get(), &EquipmentMonitor::displayRefreshRequested);
+
+        QVERIFY(f.monitor->Load(xml));
+
+        QCOMPARE(f.monitor->DriverState(), 1);
+        QCOMPARE(refreshes.size(), 1);
+        QCOMPARE(canonical(f.monitor->GetXMLNode()), before);
+        QCOMPARE(sampling->reads, 0);
+        QVERIFY(f.errors.isEmpty());
+    }
 };
-
-void tst_MonitorConfig::writesTheElementLayout()
-{
-    AttributeSampling *sampling = nullptr;
-    MonitorFixture f(false, MeasurementSystem::Metric, [&] {
-        auto object = std::make_unique<AttributeSampling>();
-        sampling = object.get();
-        return object;
-    });
-    f.configure(QStringLiteral("COM:3,9600,E,8,1,2"), true);
-    f.monitor->setRowSelection(1, 7);
-    f.monitor->setRowSelection(7, 2);
-    sampling->subgroupSize = 5;
-
-    const QDomElement root = f.monitor->GetXMLNode();
-    QCOMPARE(root.tagName(), QStringLiteral("Configuration"));
-    QVERIFY(!root.ownerDocument().isNull());
-    QCOMPARE(childNames(root), (QStringList{"Equipment", "DataLogging", "Sampling", "List", "List",
-                                            "List", "List", "List", "List", "List", "List"}));
-    const QString expected =
-        QStringLiteral("<Configuration>"
-                       "<Equipment Name=\"Line 4\" Settings=\"COM:3,9600,E,8,1,2\"/>"
-                       "<DataLogging Enable=\"1\" File=\"%1\"/>"
-                       "<Sampling SubgroupSize=\"5\"/>"
-                       "<List Index=\"0\" ItemData=\"0\"/><List Index=\"1\" ItemData=\"7\"/>"
-                       "<List Index=\"2\" ItemData=\"0\"/><List Index=\"3\" ItemData=\"0\"/>"
-                       "<List Index=\"4\" ItemData=\"0\"/><List Index=\"5\" ItemData=\"0\"/>"
-                       "<List Index=\"6\" ItemData=\"0\"/><List Index=\"7\" ItemData=\"2\"/>"
-                       "</Configuration>")
-            .arg(f.dataLogPath());
-    QCOMPARE(canonical(root), canonical(expected));
-
-    // Without SPC sampling no Sampling element is written at all.
-    MonitorFixture plain;
-    plain.configure(QStringLiteral("IP:h:1"));
-    QVERIFY(plain.monitor->GetXMLNode().firstChildElement(QStringLiteral("Sampling")).isNull());
-    QCOMPARE(plain.monitor->GetXMLNode()
-                 .firstChildElement(QStringLiteral("DataLogging"))
-                 .attribute(QStringLiteral("Enable")),
-             QStringLiteral("0"));
-}
-
-void tst_MonitorConfig::roundTrip()
-{
-    AttributeSampling *sampling = nullptr;
-    const auto makeSampling = [&] {
-        auto object = std::make_unique<AttributeSampling>();
-        sampling = object.get();
-        return object;
-    };
-    MonitorFixture first(false, MeasurementSystem::Metric, makeSampling);
-    first.configure(QStringLiteral("IP:welder-7.plant:3001"), true);
-    for (int row = 0; row < EquipmentMonitor::kRowCount; ++row)
-        first.monitor->setRowSelection(row, 8 - row);
-    sampling->subgroupSize = 4;
-    const QString saved = xmlOf(first.monitor->GetXMLNode());
-
-    MonitorFixture second(false, MeasurementSystem::Metric, makeSampling);
-    second.monitor->Initialize(second.language, 1);
-    QVERIFY(second.monitor->Load(saved));
-    QCOMPARE(sampling->reads, 1);
-    QCOMPARE(sampling->subgroupSize, 4);
-    QVERIFY(second.monitor->SPCSamplingEnabled());
-    QCOMPARE(second.monitor->configurationName(), QStringLiteral("Line 4"));
-    QCOMPARE(second.monitor->address(), QStringLiteral("IP:welder-7.plant:3001"));
-    QVERIFY(second.monitor->configuration().dataLoggingEnabled);
-    QCOMPARE(second.monitor->configuration().dataLogFile, first.dataLogPath());
-    for (int row = 0; row < EquipmentMonitor::kRowCount; ++row)
-        QCOMPARE(second.monitor->rowSelection(row), 8 - row);
-    QCOMPARE(canonical(second.monitor->GetXMLNode()), canonical(saved));
-}
-
-void tst_MonitorConfig::olderEquipmentForm()
-{
-    MonitorFixture f;
-    f.monitor->Initialize(f.language, 0);
-    QVERIFY(f.monitor->Load(QStringLiteral(
-        "<Configuration><Equipment Name=\"Horn 2\" Address=\"192.0.2.5\" Port=\"3001\"/>"
-        "</Configuration>")));
-    QCOMPARE(f.monitor->address(), QStringLiteral("IP:192.0.2.5:3001"));
-    const QDomElement equipment =
-        f.monitor->GetXMLNode().firstChildElement(QStringLiteral("Equipment"));
-    QCOMPARE(equipment.attribute(QStringLiteral("Settings")), QStringLiteral("IP:192.0.2.5:3001"));
-    QVERIFY(!equipment.hasAttribute(QStringLiteral("Address")));
-    QVERIFY(!equipment.hasAttribute(QStringLiteral("Port")));
-
-    QVERIFY(f.monitor->Load(
-        QStringLiteral("<Configuration><Equipment Address=\"welder\"/></Configuration>")));
-    QCOMPARE(f.monitor->address(), QStringLiteral("IP:welder:1000"));
-    QCOMPARE(f.monitor->configurationName(), QString());
-}
-
-void tst_MonitorConfig::rowsAndDefaults_data()
-{
-    QTest::addColumn<QString>("lists");
-    QTest::addColumn<QList<int>>("rows");
-    QTest::newRow("in order")
-        << "<List Index=\"0\" ItemData=\"4\"/><List Index=\"7\" ItemData=\"1\"/>"
-        << QList<int>{4, 0, 0, 0, 0, 0, 0, 1};
-    QTest::newRow("beyond the rows")
-        << "<List Index=\"8\" ItemData=\"4\"/><List Index=\"-1\" ItemData=\"2\"/>"
-        << QList<int>{0, 0, 0, 0, 0, 0, 0, 0};
-    QTest::newRow("unknown characteristic")
-        << "<List Index=\"2\" ItemData=\"9\"/>" << QList<int>{0, 0, 0, 0, 0, 0, 0, 0};
-    QTest::newRow("later wins")
-        << "<List Index=\"2\" ItemData=\"5\"/><List Index=\"2\" ItemData=\"6\"/>"
-        << QList<int>{0, 0, 6, 0, 0, 0, 0, 0};
-}
-
-void tst_MonitorConfig::rowsAndDefaults()
-{
-    QFETCH(QString, lists);
-    QFETCH(QList<int>, rows);
-    MonitorFixture f;
-    f.monitor->Initialize(f.language, 0);
-    for (int row = 0; row < EquipmentMonitor::kRowCount; ++row)
-        f.monitor->setRowSelection(row, 0);
-    QVERIFY(f.monitor->Load(QStringLiteral("<Configuration>") + lists +
-                            QStringLiteral("</Configuration>")));
-    for (int row = 0; row < EquipmentMonitor::kRowCount; ++row)
-        QCOMPARE(f.monitor->rowSelection(row), rows.at(row));
-}
-
-void tst_MonitorConfig::enableReadAsBoolean_data()
-{
-    QTest::addColumn<QString>("element");
-    QTest::addColumn<bool>("enabled");
-    QTest::addColumn<QString>("written");
-    QTest::newRow("1") << "<DataLogging Enable=\"1\" File=\"a.txt\"/>" << true << "1";
-    QTest::newRow("true") << "<DataLogging Enable=\"TRUE\" File=\"a.txt\"/>" << true << "1";
-    QTest::newRow("missing keeps") << "<DataLogging File=\"a.txt\"/>" << true << "1";
-}
-
-void tst_MonitorConfig::enableReadAsBoolean()
-{
-    QFETCH(QString, element);
-    QFETCH(bool, enabled);
-    QFETCH(QString, written);
-    MonitorFixture f;
-    f.configure(QStringLiteral("IP:h:1"), true);
-    QVERIFY(f.monitor->Load(QStringLiteral("<Configuration>") + element +
-                            QStringLiteral("</Configuration>")));
-    QCOMPARE(f.monitor->configuration().dataLoggingEnabled, enabled);
-    QCOMPARE(f.monitor->configuration().dataLogFile, QStringLiteral("a.txt"));
-    QCOMPARE(f.monitor->GetXMLNode()
-                 .firstChildElement(QStringLiteral("DataLogging"))
-                 .attribute(QStringLiteral("Enable")),
-             written);
-}
-
-void tst_MonitorConfig::malformedTextChangesOnlyTheLinkState_data()
-{
-    QTest::addColumn<QString>("xml");
-    QTest::newRow("empty") << QString();
-    QTest::newRow("not XML") << "<Configuration><Equipment Name=\"x\"";
-    QTest::newRow("no Configuration")
-        << "<Other><Equipment Name=\"x\" Settings=\"IP:a:1\"/></Other>";
-}
-
-void tst_MonitorConfig::malformedTextChangesOnlyTheLinkState()
-{
-    QFETCH(QString, xml);
-    AttributeSampling *sampling = nullptr;
-    MonitorFixture f(false, MeasurementSystem::Metric, [&] {
-        auto object = std::make_unique<AttributeSampling>();
-        sampling = object.get();
-        return object;
-    });
-    f.configure(QStringLiteral("IP:h:1"), true);
-    f.monitor->setRowSelection(4, 4);
-    QVERIFY(f.monitor->ShutDown());
-    f.monitor->setRowSelection(4, 4);
-    QCOMPARE(f.monitor->DriverState(), 0);
-    const QString before = canonical(f.monitor->GetXMLNode());
-    QSignalSpy refreshes(f.monitor.get(), &EquipmentMonitor::displayRefreshRequested);
-
-    QVERIFY(f.monitor->Load(xml));
-
-    QCOMPARE(f.monitor->DriverState(), 1);
-    QCOMPARE(refreshes.size(), 1);
-    QCOMPARE(canonical(f.monitor->GetXMLNode()), before);
-    QCOMPARE(sampling->reads, 0);
-    QVERIFY(f.errors.isEmpty());
-}
 
 QTEST_GUILESS_MAIN(tst_MonitorConfig)
 #include "tst_monitorconfig.moc"

@@ -20,12 +20,25 @@ QDateTime at(int hour, int minute, int second = 0)
     return QDateTime(QDate(2026, 11, 14), QTime(hour, minute, second));
 }
 
+// The monitor started on the given link.
+void start(MonitorFixture &f, const QString &address = kTcp)
+{
+    f.configure(address);
+    f.monitor->StartStop();
+}
+
+// The timer ticks at the given time.
+void tickAt(MonitorFixture &f, const QDateTime &time)
+{
+    f.clock.set(time);
+    f.monitor->Timer1_Timer();
+}
+
 // A monitor whose TCP link is connected and has received one weld at 10:00:30.
 void connectAndWeld(MonitorFixture &f)
 {
     f.clock.set(at(10, 0));
-    f.configure(kTcp);
-    f.monitor->StartStop();
+    start(f);
     QVERIFY(f.socket);
     f.socket->accept();
     QCOMPARE(f.monitor->DriverState(), 3);
@@ -41,390 +54,348 @@ class tst_MonitorLink : public QObject
     Q_OBJECT
 
 private slots:
-    void wholeMinutes_data();
-    void wholeMinutes();
-    void silentTcpLinkReconnectsAtMostOncePerMinute();
-    void connectedLinkWithoutWeldInThisRun();
-    void stuckConnectRetriedAfterAMinute();
-    void brokenAndClosingSockets();
-    void labelAndProblemIndicator_data();
-    void labelAndProblemIndicator();
-    void addressWithoutPortNeverConnects();
-    void portThatIsNotANumberIsReported();
-    void startStopBySocketState_data();
-    void startStopBySocketState();
-    void serialLinkOpensWithItsSettings();
-    void silentSerialLinkIsLeftAlone();
-    void refusedSerialPortStopsCollection_data();
-    void refusedSerialPortStopsCollection();
-    void socketErrorGoesToTheEventLog();
-    void timerRunsFromInitialize();
-    void runTimeText();
-    void lifecycle();
-};
-
-void tst_MonitorLink::wholeMinutes_data()
-{
-    QTest::addColumn<QDateTime>("from");
-    QTest::addColumn<QDateTime>("to");
-    QTest::addColumn<qint64>("minutes");
-    QTest::newRow("within a minute") << at(10, 0, 0) << at(10, 0, 59) << qint64(0);
-    QTest::newRow("one second across") << at(10, 0, 59) << at(10, 1, 0) << qint64(1);
-    // 30 Dec 1899 to 14 Nov 2026 is 46340 days.
-    QTest::newRow("empty is long ago") << QDateTime() << at(10, 0) << qint64(46340 * 1440 + 600);
-}
-
-void tst_MonitorLink::wholeMinutes()
-{
-    QFETCH(QDateTime, from);
-    QFETCH(QDateTime, to);
-    QFETCH(qint64, minutes);
-    QCOMPARE(LinkRules::wholeMinutesBetween(from, to), minutes);
-}
-
-void tst_MonitorLink::silentTcpLinkReconnectsAtMostOncePerMinute()
-{
-    MonitorFixture f;
-    connectAndWeld(f);
-    QCOMPARE(f.socket->connects.size(), 1);
-    QCOMPARE(f.socket->connects.first(), qMakePair(QStringLiteral("192.0.2.5"), quint16(3001)));
-
-    // Five whole minutes of silence are not yet more than five.
-    for (int second = 0; second < 60; second += 10) {
-        f.clock.set(at(10, 5, second));
-        f.monitor->Timer1_Timer();
+    void wholeMinutes_data()
+    {
+        QTest::addColumn<QDateTime>("from");
+        QTest::addColumn<QDateTime>("to");
+        QTest::addColumn<qint64>("minutes");
+        QTest::newRow("within a minute") << at(10, 0, 0) << at(10, 0, 59) << qint64(0);
+        QTest::newRow("one second across") << at(10, 0, 59) << at(10, 1, 0) << qint64(1);
+        // 30 Dec 1899 to 14 Nov 2026 is 46340 days.
+        QTest::newRow("empty is long ago")
+            << QDateTime() << at(10, 0) << qint64(46340 * 1440 + 600);
     }
-    QCOMPARE(f.socket->connects.size(), 1);
 
-    f.clock.set(at(10, 6, 0));
-    f.monitor->Timer1_Timer();
-    QCOMPARE(f.socket->connects.size(), 2);
-    QCOMPARE(f.monitor->DriverState(), 2);
-    QCOMPARE(f.monitor->startStopCaption(), QStringLiteral("&Stop"));
-
-    // Connected again but still silent: the next attempt waits for more than a minute.
-    f.socket->accept();
-    for (int second = 0; second < 60; second += 5) {
-        f.clock.set(at(10, 7, second));
-        f.monitor->Timer1_Timer();
+    void wholeMinutes()
+    {
+        QFETCH(QDateTime, from);
+        QFETCH(QDateTime, to);
+        QFETCH(qint64, minutes);
+        QCOMPARE(LinkRules::wholeMinutesBetween(from, to), minutes);
     }
-    QCOMPARE(f.socket->connects.size(), 2);
-    f.clock.set(at(10, 8, 0));
-    f.monitor->Timer1_Timer();
-    QCOMPARE(f.socket->connects.size(), 3);
 
-    // A weld resets the silence.
-    f.socket->accept();
-    f.clock.set(at(10, 9, 0));
-    f.socket->deliver(SampleWelds::stream(1));
-    f.clock.set(at(10, 14, 59));
-    f.monitor->Timer1_Timer();
-    QCOMPARE(f.socket->connects.size(), 3);
-}
-
-void tst_MonitorLink::connectedLinkWithoutWeldInThisRun()
-{
-    MonitorFixture f;
-    f.clock.set(at(10, 0, 10));
-    f.configure(kTcp);
-    f.monitor->StartStop();
-    f.socket->accept();
-    f.clock.set(at(10, 1, 59));
-    f.monitor->Timer1_Timer();
-    QCOMPARE(f.socket->connects.size(), 1);
-    // No weld ever: the empty last weld time is long ago, so only the retry minute counts.
-    f.clock.set(at(10, 2, 0));
-    f.monitor->Timer1_Timer();
-    QCOMPARE(f.socket->connects.size(), 2);
-}
-
-void tst_MonitorLink::stuckConnectRetriedAfterAMinute()
-{
-    MonitorFixture f;
-    f.clock.set(at(10, 0, 40));
-    f.configure(kTcp);
-    f.monitor->StartStop();
-    QCOMPARE(f.socket->state(), int(SocketPort::Connecting));
-    f.clock.set(at(10, 1, 59));
-    f.monitor->Timer1_Timer();
-    QCOMPARE(f.socket->connects.size(), 1);
-    f.clock.set(at(10, 2, 0));
-    f.monitor->Timer1_Timer();
-    QCOMPARE(f.socket->connects.size(), 2);
-    QCOMPARE(f.monitor->lastWeldTime(), QDateTime());
-}
-
-void tst_MonitorLink::brokenAndClosingSockets()
-{
-    MonitorFixture f;
-    connectAndWeld(f);
-
-    // The power supply closed the connection: reconnect at the next tick.
-    f.socket->setState(SocketPort::Closing);
-    f.monitor->Timer1_Timer();
-    QCOMPARE(f.socket->connects.size(), 2);
-    // Closing while a connect is only requested is left to the connect retry.
-    f.socket->setState(SocketPort::Closing);
-    f.monitor->Timer1_Timer();
-    QCOMPARE(f.socket->connects.size(), 2);
-
-    // An error reconnects at once, whatever the link state.
-    f.socket->setState(SocketPort::Error);
-    f.monitor->Timer1_Timer();
-    QCOMPARE(f.socket->connects.size(), 3);
-    f.monitor->StopDataCollection();
-    QCOMPARE(f.monitor->DriverState(), 1);
-    f.socket->setState(SocketPort::Error);
-    f.monitor->Timer1_Timer();
-    QCOMPARE(f.socket->connects.size(), 4);
-    QVERIFY(f.errors.isEmpty());
-}
-
-void tst_MonitorLink::labelAndProblemIndicator_data()
-{
-    QTest::addColumn<int>("state");
-    QTest::addColumn<QString>("label");
-    QTest::addColumn<int>("problem"); // 0 off, 1 on, -1 unchanged
-    QTest::newRow("closed") << 0 << "Closed" << 0;
-    QTest::newRow("pending") << 3 << "Connection Pending..." << 1;
-    QTest::newRow("connected") << 7 << "Connected" << 0;
-    QTest::newRow("unknown") << 12 << "Unknown: 12" << -1;
-}
-
-void tst_MonitorLink::labelAndProblemIndicator()
-{
-    QFETCH(int, state);
-    QFETCH(QString, label);
-    QFETCH(int, problem);
-    for (const bool before : {false, true}) {
+    void silentTcpLinkReconnectsAtMostOncePerMinute()
+    {
         MonitorFixture f;
-        f.configure(kTcp);
-        f.monitor->StartStop();
-        f.socket->setState(before ? SocketPort::Connecting : SocketPort::Connected);
-        f.monitor->Timer1_Timer();
-        QCOMPARE(f.monitor->connectionProblem(), before);
+        connectAndWeld(f);
+        QCOMPARE(f.socket->connects.size(), 1);
+        QCOMPARE(f.socket->connects.first(), qMakePair(QStringLiteral("192.0.2.5"), quint16(3001)));
 
-        f.socket->setState(state);
-        f.monitor->Timer1_Timer();
-        QCOMPARE(f.monitor->connectionLabel(), label);
-        QCOMPARE(f.monitor->GetSocketState(), label);
-        QCOMPARE(f.monitor->connectionProblem(), problem < 0 ? before : problem == 1);
-    }
-}
+        // Five whole minutes of silence are not yet more than five.
+        for (int second = 0; second < 60; second += 10) {
+            tickAt(f, at(10, 5, second));
+        }
+        QCOMPARE(f.socket->connects.size(), 1);
 
-void tst_MonitorLink::addressWithoutPortNeverConnects()
-{
-    MonitorFixture f;
-    f.configure(QStringLiteral("IP:192.0.2.5"));
-    f.monitor->StartStop();
-    QVERIFY(f.socket);
-    QVERIFY(f.socket->connects.isEmpty());
-    QCOMPARE(f.monitor->DriverState(), 2);
-    f.clock.advanceSeconds(3600);
-    f.monitor->Timer1_Timer();
-    QVERIFY(f.socket->connects.isEmpty());
-    QVERIFY(f.errors.isEmpty());
-}
-
-void tst_MonitorLink::portThatIsNotANumberIsReported()
-{
-    MonitorFixture f;
-    f.configure(QStringLiteral("IP:192.0.2.5:http"));
-    f.monitor->StartStop();
-    QVERIFY(f.socket->connects.isEmpty());
-    QCOMPARE(f.errors.count(), 1);
-    QCOMPARE(f.errors.last().location, QStringLiteral("CorvaneUsw.bnStartStop_Click"));
-    QCOMPARE(f.errors.last().number, ProgramError::kProgramErrorNumber);
-    QVERIFY(f.errors.last().description.contains(QStringLiteral("http")));
-    QVERIFY(f.errors.last().source.startsWith(QStringLiteral("CorvaneUsw.ReconnectSocket")));
-    f.monitor->Timer1_Timer();
-    QCOMPARE(f.errors.count(), 1);
-}
-
-void tst_MonitorLink::startStopBySocketState_data()
-{
-    QTest::addColumn<int>("state");
-    QTest::addColumn<QString>("action");
-    QTest::newRow("closed") << 0 << "start";
-    QTest::newRow("resolving") << 4 << "ignore";
-    QTest::newRow("connected") << 7 << "stop";
-    QTest::newRow("closing") << 8 << "start";
-}
-
-void tst_MonitorLink::startStopBySocketState()
-{
-    QFETCH(int, state);
-    QFETCH(QString, action);
-    MonitorFixture f;
-    f.configure(kTcp);
-    f.monitor->StartStop();
-    f.socket->accept();
-    f.socket->setState(state);
-    const int closes = f.socket->closes;
-
-    f.monitor->StartStop();
-
-    if (action == QLatin1String("start")) {
+        tickAt(f, at(10, 6, 0));
         QCOMPARE(f.socket->connects.size(), 2);
         QCOMPARE(f.monitor->DriverState(), 2);
         QCOMPARE(f.monitor->startStopCaption(), QStringLiteral("&Stop"));
-        QVERIFY(!f.monitor->displayItemsEnabled());
-    } else if (action == QLatin1String("stop")) {
-        QCOMPARE(f.socket->connects.size(), 1);
-        QCOMPARE(f.socket->closes, closes + 1);
-        QCOMPARE(f.monitor->DriverState(), 1);
-        QCOMPARE(f.monitor->startStopCaption(), QStringLiteral("&Start"));
-        QVERIFY(f.monitor->displayItemsEnabled());
-    } else {
-        QCOMPARE(f.socket->connects.size(), 1);
-        QCOMPARE(f.socket->closes, closes);
-        QCOMPARE(f.monitor->DriverState(), 3);
-        QCOMPARE(f.monitor->startStopCaption(), QStringLiteral("&Stop"));
+
+        // Connected again but still silent: the next attempt waits for more than a minute.
+        f.socket->accept();
+        for (int second = 0; second < 60; second += 5) {
+            tickAt(f, at(10, 7, second));
+        }
+        QCOMPARE(f.socket->connects.size(), 2);
+        tickAt(f, at(10, 8, 0));
+        QCOMPARE(f.socket->connects.size(), 3);
+
+        // A weld resets the silence.
+        f.socket->accept();
+        f.clock.set(at(10, 9, 0));
+        f.socket->deliver(SampleWelds::stream(1));
+        tickAt(f, at(10, 14, 59));
+        QCOMPARE(f.socket->connects.size(), 3);
     }
-}
 
-void tst_MonitorLink::serialLinkOpensWithItsSettings()
-{
-    MonitorFixture f;
-    f.configure(kSerial);
-    QSignalSpy labels(f.monitor.get(), &EquipmentMonitor::connectionLabelChanged);
-    f.monitor->StartStop();
-    QVERIFY(f.serial && f.serial->isOpen());
-    QCOMPARE(f.serial->opened.size(), 1);
-    const SerialSettings &settings = f.serial->opened.first();
-    QCOMPARE(settings.port, QStringLiteral("/dev/ttyS9"));
-    QCOMPARE(settings.baudRate, 19200);
-    QCOMPARE(settings.parity, QChar(u'E'));
-    QCOMPARE(settings.dataBits, 7);
-    QCOMPARE(settings.stopBits, QStringLiteral("2"));
-    QCOMPARE(settings.handshaking, 2);
-    QCOMPARE(labels.first().first().toString(), QStringLiteral("Connecting..."));
-    QCOMPARE(f.monitor->connectionLabel(), QStringLiteral("Connected"));
-    QCOMPARE(f.monitor->startStopCaption(), QStringLiteral("&Stop"));
-    QCOMPARE(f.monitor->DriverState(), 2);
-    QCOMPARE(f.monitor->GetSocketState(), QStringLiteral("Opened"));
+    // Without a weld in this run the empty last weld time is long ago, so only the retry
+    // minute counts, for a connected link as for a connect that never completes.
+    void linkWithoutWeldRetriedAfterAMinute_data()
+    {
+        QTest::addColumn<bool>("accepted");
+        QTest::newRow("connected") << true;
+        QTest::newRow("stuck connect") << false;
+    }
+    void linkWithoutWeldRetriedAfterAMinute()
+    {
+        QFETCH(bool, accepted);
+        MonitorFixture f;
+        f.clock.set(at(10, 0, 40));
+        start(f);
+        if (accepted)
+            f.socket->accept();
+        tickAt(f, at(10, 1, 59));
+        QCOMPARE(f.socket->connects.size(), 1);
+        tickAt(f, at(10, 2, 0));
+        QCOMPARE(f.socket->connects.size(), 2);
+        QCOMPARE(f.monitor->lastWeldTime(), QDateTime());
+    }
 
-    f.serial->deliver(SampleWelds::stream(2).first(130));
-    f.serial->deliver(SampleWelds::stream(2).sliced(130));
-    QCOMPARE(f.monitor->totalWelds(), 2);
+    void brokenAndClosingSockets()
+    {
+        MonitorFixture f;
+        connectAndWeld(f);
 
-    f.monitor->StartStop();
-    QVERIFY(!f.serial->isOpen());
-    QCOMPARE(f.monitor->startStopCaption(), QStringLiteral("&Start"));
-    QCOMPARE(f.monitor->GetSocketState(), QStringLiteral("Closed"));
-}
+        // The power supply closed the connection: reconnect at the next tick.
+        f.socket->setState(SocketPort::Closing);
+        f.monitor->Timer1_Timer();
+        QCOMPARE(f.socket->connects.size(), 2);
+        // Closing while a connect is only requested is left to the connect retry.
+        f.socket->setState(SocketPort::Closing);
+        f.monitor->Timer1_Timer();
+        QCOMPARE(f.socket->connects.size(), 2);
 
-void tst_MonitorLink::silentSerialLinkIsLeftAlone()
-{
-    MonitorFixture f;
-    f.configure(kSerial);
-    f.monitor->StartStop();
-    f.serial->deliver(SampleWelds::stream(1));
-    f.clock.advanceSeconds(3 * 3600);
-    f.monitor->Timer1_Timer();
-    QCOMPARE(f.serial->opened.size(), 1);
-    QCOMPARE(f.serial->closes, 0);
-    QVERIFY(!f.monitor->connectionProblem());
-}
+        // An error reconnects at once, whatever the link state.
+        f.socket->setState(SocketPort::Error);
+        f.monitor->Timer1_Timer();
+        QCOMPARE(f.socket->connects.size(), 3);
+        f.monitor->StopDataCollection();
+        QCOMPARE(f.monitor->DriverState(), 1);
+        f.socket->setState(SocketPort::Error);
+        f.monitor->Timer1_Timer();
+        QCOMPARE(f.socket->connects.size(), 4);
+        QVERIFY(f.errors.isEmpty());
+    }
 
-void tst_MonitorLink::refusedSerialPortStopsCollection_data()
-{
-    QTest::addColumn<QString>("address");
-    QTest::addColumn<bool>("portRefuses");
-    QTest::newRow("busy port") << kSerial << true;
-    QTest::newRow("no port") << "COM:,9600,N,8,1,0" << false;
-}
+    void labelAndProblemIndicator_data()
+    {
+        QTest::addColumn<int>("state");
+        QTest::addColumn<QString>("label");
+        QTest::addColumn<int>("problem"); // 0 off, 1 on, -1 unchanged
+        QTest::newRow("closed") << 0 << "Closed" << 0;
+        QTest::newRow("pending") << 3 << "Connection Pending..." << 1;
+        QTest::newRow("connected") << 7 << "Connected" << 0;
+        QTest::newRow("unknown") << 12 << "Unknown: 12" << -1;
+    }
 
-void tst_MonitorLink::refusedSerialPortStopsCollection()
-{
-    QFETCH(QString, address);
-    QFETCH(bool, portRefuses);
-    MonitorFixture f;
-    f.refuseSerialPort = portRefuses;
-    f.configure(address);
-    f.monitor->StartStop();
-    QVERIFY(f.serial);
+    void labelAndProblemIndicator()
+    {
+        QFETCH(int, state);
+        QFETCH(QString, label);
+        QFETCH(int, problem);
+        for (const bool before : {false, true}) {
+            MonitorFixture f;
+            start(f);
+            f.socket->setState(before ? SocketPort::Connecting : SocketPort::Connected);
+            f.monitor->Timer1_Timer();
+            QCOMPARE(f.monitor->connectionProblem(), before);
 
-    QVERIFY(!f.serial->isOpen());
-    QCOMPARE(f.monitor->connectionLabel(), QStringLiteral("Invalid Port Number"));
-    QCOMPARE(f.monitor->startStopCaption(), QStringLiteral("&Start"));
-    QCOMPARE(f.monitor->DriverState(), 1);
-    QVERIFY(f.monitor->displayItemsEnabled());
-    const qsizetype attempts = f.serial->opened.size();
-    f.clock.advanceSeconds(3600);
-    f.monitor->Timer1_Timer();
-    QCOMPARE(f.serial->opened.size(), attempts);
-    QVERIFY(f.errors.isEmpty());
-}
+            f.socket->setState(state);
+            f.monitor->Timer1_Timer();
+            QCOMPARE(f.monitor->connectionLabel(), label);
+            QCOMPARE(f.monitor->GetSocketState(), label);
+            QCOMPARE(f.monitor->connectionProblem(), problem < 0 ? before : problem == 1);
+        }
+    }
 
-void tst_MonitorLink::socketErrorGoesToTheEventLog()
-{
-    MonitorFixture f;
-    f.configure(kTcp);
-    f.monitor->StartStop();
-    emit f.socket->errorOccurred(10061, QStringLiteral("Connection refused"), 111);
-    emit f.socket->errorOccurred(10060, QStringLiteral("Timed\tout"), -3);
-    const QStringList lines = f.eventLogLines();
-    QCOMPARE(lines.size(), 2);
-    QCOMPARE(lines.at(0).section(u'\t', 1),
-             QStringLiteral("Main\tWinSockError\t10061\tConnection refused\tSCODE: 111"));
-    QCOMPARE(lines.at(1).section(u'\t', 1),
-             QStringLiteral("Main\tWinSockError\t10060\tTimed\tout\tSCODE: -3"));
-}
+    void addressWithoutPortNeverConnects()
+    {
+        MonitorFixture f;
+        start(f, QStringLiteral("IP:192.0.2.5"));
+        QVERIFY(f.socket);
+        QVERIFY(f.socket->connects.isEmpty());
+        QCOMPARE(f.monitor->DriverState(), 2);
+        f.clock.advanceSeconds(3600);
+        f.monitor->Timer1_Timer();
+        QVERIFY(f.socket->connects.isEmpty());
+        QVERIFY(f.errors.isEmpty());
+    }
 
-void tst_MonitorLink::timerRunsFromInitialize()
-{
-    MonitorFixture f;
-    f.monitor->setEquipment(QStringLiteral("Line 4"), kTcp);
-    f.monitor->StartDataCollection();
-    QVERIFY(!f.monitor->timerActive());
-    f.monitor->Initialize(f.language, 2);
-    QVERIFY(f.monitor->timerActive());
-    f.socket->setState(SocketPort::Error);
-    // The 100 ms timer sees the broken socket and reconnects by itself.
-    QTRY_COMPARE_WITH_TIMEOUT(f.socket->connects.size(), 2, 2000);
-}
+    void portThatIsNotANumberIsReported()
+    {
+        MonitorFixture f;
+        start(f, QStringLiteral("IP:192.0.2.5:http"));
+        QVERIFY(f.socket->connects.isEmpty());
+        QCOMPARE(f.errors.count(), 1);
+        QCOMPARE(f.errors.last().location, QStringLiteral("CorvaneUsw.bnStartStop_Click"));
+        QCOMPARE(f.errors.last().number, ProgramError::kProgramErrorNumber);
+        QVERIFY(f.errors.last().description.contains(QStringLiteral("http")));
+        QVERIFY(f.errors.last().source.startsWith(QStringLiteral("CorvaneUsw.ReconnectSocket")));
+        f.monitor->Timer1_Timer();
+        QCOMPARE(f.errors.count(), 1);
+    }
 
-void tst_MonitorLink::runTimeText()
-{
-    QCOMPARE(EquipmentMonitor::GetRunTimeText(3661), QStringLiteral("01:01:01"));
-    MonitorFixture f;
-    f.clock.set(at(8, 0));
-    f.configure(kTcp);
-    f.monitor->StartStop();
-    f.clock.set(at(8, 0).addSecs(25 * 3600));
-    f.socket->deliver(SampleWelds::stream(1));
-    f.clock.advanceSeconds(600); // the run time stands still between welds
-    QCOMPARE(EquipmentMonitor::GetRunTimeText(f.monitor->elapsedSeconds()),
-             QStringLiteral("25:00:00"));
-}
+    void startStopBySocketState_data()
+    {
+        QTest::addColumn<int>("state");
+        QTest::addColumn<QString>("action");
+        QTest::newRow("closed") << 0 << "start";
+        QTest::newRow("resolving") << 4 << "ignore";
+        QTest::newRow("connected") << 7 << "stop";
+        QTest::newRow("closing") << 8 << "start";
+    }
 
-void tst_MonitorLink::lifecycle()
-{
-    MonitorFixture a;
-    MonitorFixture b;
-    QVERIFY(!a.monitor->identifier().isEmpty());
-    QVERIFY(a.monitor->identifier() != b.monitor->identifier());
+    void startStopBySocketState()
+    {
+        QFETCH(int, state);
+        QFETCH(QString, action);
+        MonitorFixture f;
+        start(f);
+        f.socket->accept();
+        f.socket->setState(state);
+        const int closes = f.socket->closes;
 
-    a.configure(kTcp);
-    a.monitor->setRowSelection(0, 3);
-    a.monitor->setRowSelection(5, 8);
-    a.monitor->StartStop();
-    a.socket->accept();
-    a.socket->deliver(SampleWelds::stream(3));
-    QVERIFY(a.monitor->totalAlarms() > 0);
-    QVERIFY(!a.monitor->displayItemsEnabled());
-    QVERIFY(a.monitor->datasets().Item(QStringLiteral("KEY:3")).SampleEnabled);
-    QVERIFY(!a.monitor->datasets().Item(QStringLiteral("KEY:4")).SampleEnabled);
+        f.monitor->StartStop();
 
-    QVERIFY(a.monitor->ShutDown());
-    QCOMPARE(a.monitor->DriverState(), 0);
-    QCOMPARE(a.monitor->rowSelection(0), 0);
-    QCOMPARE(a.monitor->rowSelection(5), 0);
-    QCOMPARE(a.monitor->alarmsText(), QString());
-    QVERIFY(a.monitor->displayItemsEnabled());
-    QVERIFY(!a.monitor->timerActive());
-}
+        if (action == QLatin1String("start")) {
+            QCOMPARE(f.socket->connects.size(), 2);
+            QCOMPARE(f.monitor->DriverState(), 2);
+            QCOMPARE(f.monitor->startStopCaption(), QStringLiteral("&Stop"));
+            QVERIFY(!f.monitor->displayItemsEnabled());
+        } else if (action == QLatin1String("stop")) {
+            QCOMPARE(f.socket->connects.size(), 1);
+            QCOMPARE(f.socket->closes, closes + 1);
+            QCOMPARE(f.monitor->DriverState(), 1);
+            QCOMPARE(f.monitor->startStopCaption(), QStringLiteral("&Start"));
+            QVERIFY(f.monitor->displayItemsEnabled());
+        } else {
+            QCOMPARE(f.socket->connects.size(), 1);
+            QCOMPARE(f.socket->closes, closes);
+            QCOMPARE(f.monitor->DriverState(), 3);
+            QCOMPARE(f.monitor->startStopCaption(), QStringLiteral("&Stop"));
+        }
+    }
+
+    void serialLinkOpensWithItsSettings()
+    {
+        MonitorFixture f;
+        f.configure(kSerial);
+        QSignalSpy labels(f.monitor.get(), &EquipmentMonitor::connectionLabelChanged);
+        f.monitor->StartStop();
+        QVERIFY(f.serial && f.serial->isOpen());
+        QCOMPARE(f.serial->opened.size(), 1);
+        const SerialSettings &settings = f.serial->opened.first();
+        QCOMPARE(settings.port, QStringLiteral("/dev/ttyS9"));
+        QCOMPARE(settings.baudRate, 19200);
+        QCOMPARE(settings.parity, QChar(u'E'));
+        QCOMPARE(settings.dataBits, 7);
+        QCOMPARE(settings.stopBits, QStringLiteral("2"));
+        QCOMPARE(settings.handshaking, 2);
+        QCOMPARE(labels.first().first().toString(), QStringLiteral("Connecting..."));
+        QCOMPARE(f.monitor->connectionLabel(), QStringLiteral("Connected"));
+        QCOMPARE(f.monitor->startStopCaption(), QStringLiteral("&Stop"));
+        QCOMPARE(f.monitor->DriverState(), 2);
+        QCOMPARE(f.monitor->GetSocketState(), QStringLiteral("Opened"));
+
+        f.serial->deliver(SampleWelds::stream(2).first(130));
+        f.serial->deliver(SampleWelds::stream(2).sliced(130));
+        QCOMPARE(f.monitor->totalWelds(), 2);
+
+        f.monitor->StartStop();
+        QVERIFY(!f.serial->isOpen());
+        QCOMPARE(f.monitor->startStopCaption(), QStringLiteral("&Start"));
+        QCOMPARE(f.monitor->GetSocketState(), QStringLiteral("Closed"));
+    }
+
+    void silentSerialLinkIsLeftAlone()
+    {
+        MonitorFixture f;
+        start(f, kSerial);
+        f.serial->deliver(SampleWelds::stream(1));
+        f.clock.advanceSeconds(3 * 3600);
+        f.monitor->Timer1_Timer();
+        QCOMPARE(f.serial->opened.size(), 1);
+        QCOMPARE(f.serial->closes, 0);
+        QVERIFY(!f.monitor->connectionProblem());
+    }
+
+    void refusedSerialPortStopsCollection_data()
+    {
+        QTest::addColumn<QString>("address");
+        QTest::addColumn<bool>("portRefuses");
+        QTest::newRow("busy port") << kSerial << true;
+        QTest::newRow("no port") << "COM:,9600,N,8,1,0" << false;
+    }
+
+    void refusedSerialPortStopsCollection()
+    {
+        QFETCH(QString, address);
+        QFETCH(bool, portRefuses);
+        MonitorFixture f;
+        f.refuseSerialPort = portRefuses;
+        start(f, address);
+        QVERIFY(f.serial);
+
+        QVERIFY(!f.serial->isOpen());
+        QCOMPARE(f.monitor->connectionLabel(), QStringLiteral("Invalid Port Number"));
+        QCOMPARE(f.monitor->startStopCaption(), QStringLiteral("&Start"));
+        QCOMPARE(f.monitor->DriverState(), 1);
+        QVERIFY(f.monitor->displayItemsEnabled());
+        const qsizetype attempts = f.serial->opened.size();
+        f.clock.advanceSeconds(3600);
+        f.monitor->Timer1_Timer();
+        QCOMPARE(f.serial->opened.size(), attempts);
+        QVERIFY(f.errors.isEmpty());
+    }
+
+    void socketErrorGoesToTheEventLog()
+    {
+        MonitorFixture f;
+        start(f);
+        emit f.socket->errorOccurred(10061, QStringLiteral("Connection refused"), 111);
+        emit f.socket->errorOccurred(10060, QStringLiteral("Timed\tout"), -3);
+        const QStringList lines = f.eventLogLines();
+        QCOMPARE(lines.size(), 2);
+        QCOMPARE(lines.at(0).section(u'\t', 1),
+                 QStringLiteral("Main\tWinSockError\t10061\tConnection refused\tSCODE: 111"));
+        QCOMPARE(lines.at(1).section(u'\t', 1),
+                 QStringLiteral("Main\tWinSockError\t10060\tTimed\tout\tSCODE: -3"));
+    }
+
+    void timerRunsFromInitialize()
+    {
+        MonitorFixture f;
+        f.monitor->setEquipment(QStringLiteral("Line 4"), kTcp);
+        f.monitor->StartDataCollection();
+        QVERIFY(!f.monitor->timerActive());
+        f.monitor->Initialize(f.language, 2);
+        QVERIFY(f.monitor->timerActive());
+        f.socket->setState(SocketPort::Error);
+        // The 100 ms timer sees the broken socket and reconnects by itself.
+        QTRY_COMPARE_WITH_TIMEOUT(f.socket->connects.size(), 2, 2000);
+    }
+
+    void runTimeText()
+    {
+        QCOMPARE(EquipmentMonitor::GetRunTimeText(3661), QStringLiteral("01:01:01"));
+        MonitorFixture f;
+        f.clock.set(at(8, 0));
+        start(f);
+        f.clock.set(at(8, 0).addSecs(25 * 3600));
+        f.socket->deliver(SampleWelds::stream(1));
+        f.clock.advanceSeconds(600); // the run time stands still between welds
+        QCOMPARE(EquipmentMonitor::GetRunTimeText(f.monitor->elapsedSeconds()),
+                 QStringLiteral("25:00:00"));
+    }
+
+    void lifecycle()
+    {
+        MonitorFixture a;
+        MonitorFixture b;
+        QVERIFY(!a.monitor->identifier().isEmpty());
+        QVERIFY(a.monitor->identifier() != b.monitor->identifier());
+
+        a.configure(kTcp);
+        a.monitor->setRowSelection(0, 3);
+        a.monitor->setRowSelection(5, 8);
+        a.monitor->StartStop();
+        a.socket->accept();
+        a.socket->deliver(SampleWelds::stream(3));
+        QVERIFY(a.monitor->totalAlarms() > 0);
+        QVERIFY(!a.monitor->displayItemsEnabled());
+        QVERIFY(a.monitor->datasets().Item(QStringLiteral("KEY:3")).SampleEnabled);
+        QVERIFY(!a.monitor->datasets().Item(QStringLiteral("KEY:4")).SampleEnabled);
+
+        QVERIFY(a.monitor->ShutDown());
+        QCOMPARE(a.monitor->DriverState(), 0);
+        QCOMPARE(a.monitor->rowSelection(0), 0);
+        QCOMPARE(a.monitor->rowSelection(5), 0);
+        QCOMPARE(a.monitor->alarmsText(), QString());
+        QVERIFY(a.monitor->displayItemsEnabled());
+        QVERIFY(!a.monitor->timerActive());
+    }
+};
 
 QTEST_GUILESS_MAIN(tst_MonitorLink)
 #include "tst_monitorlink.moc"

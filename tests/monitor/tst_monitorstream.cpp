@@ -16,29 +16,32 @@ namespace {
 
 const MeasurementSystem kMetric = MeasurementSystem::Metric;
 
-QByteArray frameOf(const CorvaneFUN26 &record)
+// A frame followed by the one byte that the frame cutter needs beyond ETX.
+QByteArray framesOf(std::initializer_list<CorvaneFUN26> records)
 {
-    return Function26Frame::encode(record, kMetric);
+    QByteArray bytes;
+    for (const CorvaneFUN26 &record : records)
+        bytes += Function26Frame::encode(record, kMetric);
+    return bytes + QByteArray(1, '\0');
 }
 
-QString logLineOf(const CorvaneFUN26 &record)
+// The data-log lines of sample records 1..count as the monitor decodes them at `acquired`.
+QStringList logLinesOf(int count, const QDateTime &acquired)
 {
-    return record.Record(RegionalFormat());
-}
-
-// The data-log line of a sample record as the monitor decodes it at `acquired`.
-QString logLineOf(qint32 cycle, const QDateTime &acquired)
-{
-    CorvaneFUN26 record = SampleWelds::record(cycle);
-    record.AcquiredTime = acquired;
-    return logLineOf(record);
+    QStringList lines;
+    for (int cycle = 1; cycle <= count; ++cycle) {
+        CorvaneFUN26 record = SampleWelds::record(cycle);
+        record.AcquiredTime = acquired;
+        lines << record.Record(RegionalFormat());
+    }
+    return lines;
 }
 
 // A sampling object that records the calls it gets.
 class RecordingSampling : public NullSampling
 {
 public:
-    explicit RecordingSampling(QStringList &calls, bool enabled = false, bool startAccepted = true)
+    RecordingSampling(QStringList &calls, bool enabled, bool startAccepted)
         : m_calls(calls)
         , m_enabled(enabled)
         , m_startAccepted(startAccepted)
@@ -67,364 +70,274 @@ class tst_MonitorStream : public QObject
     Q_OBJECT
 
 private slots:
-    void recordSplitAtEveryByteBoundary();
-    void severalRecordsInOneArrival();
-    void otherFunctionEndsTheArrival();
-    void corruptedFrameIsReportedAndSkipped();
-    void garbageKeepsTheBufferSmall();
-    void valuesReachTheirDatasets_data();
-    void valuesReachTheirDatasets();
-    void alarmLinesNewestOnTop();
-    void alarmBitsWithoutTextAreNotCounted();
-    void debugModeSimulatesValues();
-    void debugModeOffPassesRecordsThrough();
-    void dataLogHeaderOnlyForMissingOrEmptyFile();
-    void unwritableDataLogCostsOneEventLinePerWeld();
-    void samplingGetsEveryRecordInOrder();
-    void refusedSamplingStartChangesNothing();
-};
+    // Debug mode off: the record shown is the record sent, whatever the read boundaries.
+    void recordSplitAtEveryByteBoundary()
+    {
+        const CorvaneFUN26 sent = SampleWelds::record(12);
+        const QByteArray frame = framesOf({sent});
+        for (qsizetype cut = 1; cut < frame.size(); ++cut) {
+            MonitorFixture f;
+            f.configure();
+            f.feed(frame.first(cut));
+            QCOMPARE(f.monitor->totalWelds(), 0);
+            f.feed(frame.sliced(cut));
+            QCOMPARE(f.monitor->totalWelds(), 1);
+            CorvaneFUN26 expected = sent;
+            expected.AcquiredTime = f.monitor->currentRecord()->AcquiredTime;
+            QCOMPARE(*f.monitor->currentRecord(), expected);
+            QVERIFY(f.errors.isEmpty());
+        }
+    }
 
-void tst_MonitorStream::recordSplitAtEveryByteBoundary()
-{
-    const CorvaneFUN26 sent = SampleWelds::record(12);
-    const QByteArray frame = frameOf(sent) + QByteArray(1, '\0');
-    for (qsizetype cut = 1; cut < frame.size(); ++cut) {
+    void severalRecordsInOneArrival()
+    {
         MonitorFixture f;
-        f.configure(QStringLiteral("IP:127.0.0.1:1000"));
-        f.monitor->receiveBytes(frame.first(cut));
-        f.monitor->ProcessDataStream();
-        QCOMPARE(f.monitor->totalWelds(), 0);
-        f.monitor->receiveBytes(frame.sliced(cut));
-        f.monitor->ProcessDataStream();
+        f.configure(QStringLiteral("IP:127.0.0.1:1000"), true);
+        QSignalSpy welds(f.monitor.get(), &EquipmentMonitor::weldProcessed);
+        QSignalSpy refreshes(f.monitor.get(), &EquipmentMonitor::displayRefreshRequested);
+        f.feed(SampleWelds::stream(5));
+        QCOMPARE(f.monitor->totalWelds(), 5);
+        QCOMPARE(welds.size(), 5);
+        QCOMPARE(refreshes.size(), 5);
+        QCOMPARE(f.monitor->lastWeldTime(), f.clock.now());
+        QCOMPARE(f.monitor->currentRecord()->CycleCount, 5);
+        // Logging was switched on without a start: no header.
+        QCOMPARE(f.dataLogLines(), logLinesOf(5, f.clock.now()));
+    }
+
+    void otherFunctionEndsTheArrival()
+    {
+        MonitorFixture f;
+        f.configure();
+        const QByteArray other = Function26Frame::encodeFrame(7, QByteArray(10, '\x10'));
+        f.feed(framesOf({SampleWelds::record(1)}).chopped(1) + other +
+               framesOf({SampleWelds::record(2)}));
+        // The other function's frame ends the loop for this arrival ...
         QCOMPARE(f.monitor->totalWelds(), 1);
-        CorvaneFUN26 expected = sent;
-        expected.AcquiredTime = f.monitor->currentRecord()->AcquiredTime;
-        QCOMPARE(*f.monitor->currentRecord(), expected);
+        // ... and the record queued behind it comes with the next one.
+        f.feed(QByteArray(1, '\0'));
+        QCOMPARE(f.monitor->totalWelds(), 2);
+        QCOMPARE(f.monitor->currentRecord()->CycleCount, 2);
         QVERIFY(f.errors.isEmpty());
     }
-}
 
-void tst_MonitorStream::severalRecordsInOneArrival()
-{
-    MonitorFixture f;
-    f.configure(QStringLiteral("IP:127.0.0.1:1000"), true);
-    QSignalSpy welds(f.monitor.get(), &EquipmentMonitor::weldProcessed);
-    QSignalSpy refreshes(f.monitor.get(), &EquipmentMonitor::displayRefreshRequested);
-
-    f.monitor->receiveBytes(SampleWelds::stream(5));
-    f.monitor->ProcessDataStream();
-
-    QCOMPARE(f.monitor->totalWelds(), 5);
-    QCOMPARE(welds.size(), 5);
-    QCOMPARE(refreshes.size(), 5);
-    QCOMPARE(f.monitor->lastWeldTime(), f.clock.now());
-    QCOMPARE(f.monitor->currentRecord()->CycleCount, 5);
-    const QStringList lines = f.dataLogLines();
-    QCOMPARE(lines.size(), 5); // logging was switched on without a start: no header
-    for (int cycle = 1; cycle <= 5; ++cycle)
-        QCOMPARE(lines.at(cycle - 1), logLineOf(cycle, f.clock.now()));
-}
-
-void tst_MonitorStream::otherFunctionEndsTheArrival()
-{
-    MonitorFixture f;
-    f.configure(QStringLiteral("IP:127.0.0.1:1000"));
-    const QByteArray other = Function26Frame::encodeFrame(7, QByteArray(10, '\x10'));
-    f.monitor->receiveBytes(frameOf(SampleWelds::record(1)) + other +
-                            frameOf(SampleWelds::record(2)) + QByteArray(1, '\0'));
-    f.monitor->ProcessDataStream();
-    // The other function's frame ends the loop for this arrival ...
-    QCOMPARE(f.monitor->totalWelds(), 1);
-    // ... and the record queued behind it comes with the next one.
-    f.monitor->receiveBytes(QByteArray(1, '\0'));
-    f.monitor->ProcessDataStream();
-    QCOMPARE(f.monitor->totalWelds(), 2);
-    QCOMPARE(f.monitor->currentRecord()->CycleCount, 2);
-    QVERIFY(f.errors.isEmpty());
-}
-
-void tst_MonitorStream::corruptedFrameIsReportedAndSkipped()
-{
-    MonitorFixture f;
-    f.configure(QStringLiteral("IP:127.0.0.1:1000"), true);
-    QByteArray corrupt = frameOf(SampleWelds::record(1));
-    corrupt[corrupt.size() - 1] = '\x04'; // ETX replaced
-    f.monitor->receiveBytes(QByteArray("noise") + corrupt + SampleWelds::stream(3));
-    f.monitor->ProcessDataStream();
-
-    QCOMPARE(f.errors.count(), 1);
-    QCOMPARE(f.errors.last().location, QStringLiteral("CorvaneUsw.ProcessDataStream"));
-    QCOMPARE(f.errors.last().description, QStringLiteral("Unable to resolve End of Transmission"));
-    QCOMPARE(f.monitor->totalWelds(), 3);
-    const QStringList lines = f.dataLogLines();
-    QCOMPARE(lines.size(), 3);
-    for (int cycle = 1; cycle <= 3; ++cycle)
-        QCOMPARE(lines.at(cycle - 1), logLineOf(cycle, f.clock.now()));
-}
-
-void tst_MonitorStream::garbageKeepsTheBufferSmall()
-{
-    MonitorFixture f;
-    f.configure(QStringLiteral("IP:127.0.0.1:1000"));
-    QByteArray garbage(4096, '\0');
-    for (qsizetype i = 0; i < garbage.size(); ++i)
-        garbage[i] = char(i % 251 == 0x10 ? 0x11 : i % 251); // never a DLE
-    for (int arrival = 0; arrival < 256; ++arrival) {
-        f.monitor->receiveBytes(garbage);
-        f.monitor->ProcessDataStream();
-        QVERIFY2(f.monitor->receiveBuffer().size() <= 1, "garbage kept in the receive buffer");
+    void corruptedFrameIsReportedAndSkipped()
+    {
+        MonitorFixture f;
+        f.configure(QStringLiteral("IP:127.0.0.1:1000"), true);
+        QByteArray corrupt = framesOf({SampleWelds::record(1)}).chopped(1);
+        corrupt[corrupt.size() - 1] = '\x04'; // ETX replaced
+        f.feed(QByteArray("noise") + corrupt + SampleWelds::stream(3));
+        QCOMPARE(f.errors.count(), 1);
+        QCOMPARE(f.errors.last().location, QStringLiteral("CorvaneUsw.ProcessDataStream"));
+        QCOMPARE(f.errors.last().description,
+                 QStringLiteral("Unable to resolve End of Transmission"));
+        QCOMPARE(f.monitor->totalWelds(), 3);
+        QCOMPARE(f.dataLogLines(), logLinesOf(3, f.clock.now()));
     }
-    // A frame after a megabyte of garbage still comes through.
-    f.monitor->receiveBytes(SampleWelds::stream(1));
-    f.monitor->ProcessDataStream();
-    QCOMPARE(f.monitor->totalWelds(), 1);
-    QVERIFY(f.monitor->receiveBuffer().storedBytes() < 64 * 1024);
-}
 
-void tst_MonitorStream::valuesReachTheirDatasets_data()
-{
-    QTest::addColumn<MeasurementSystem>("system");
-    QTest::addColumn<QString>("distanceUnit");
-    QTest::addColumn<QString>("forceUnit");
-    QTest::newRow("metric") << MeasurementSystem::Metric << "mm"
-                            << "N";
-    QTest::newRow("US") << MeasurementSystem::US << "inches"
-                        << "LB";
-}
-
-void tst_MonitorStream::valuesReachTheirDatasets()
-{
-    QFETCH(MeasurementSystem, system);
-    QFETCH(QString, distanceUnit);
-    QFETCH(QString, forceUnit);
-    MonitorFixture f(false, system);
-    f.configure(QStringLiteral("IP:127.0.0.1:1000"));
-    f.monitor->receiveBytes(SampleWelds::stream(2, system));
-    f.monitor->ProcessDataStream();
-
-    const CorvaneFUN26 &r = *f.monitor->currentRecord();
-    const DatasetCollection &sets = f.monitor->datasets();
-    QCOMPARE(sets.Count(), 8);
-    const QList<QPair<QString, double>> expected = {
-        {QStringLiteral("sec"), r.ActualWeldTime}, {QStringLiteral("joules"), r.TotalEnergy},
-        {distanceUnit, r.ActualDistance},          {distanceUnit, r.ActualWeldCollapse},
-        {distanceUnit, r.ActualTotalCollapse},     {distanceUnit, r.ActualVelocity},
-        {QStringLiteral("%"), r.PeakPower},        {forceUnit, r.WeldForceEnd}};
-    for (qint32 id = 1; id <= 8; ++id) {
-        const Dataset &dataset = sets.Item(DatasetCollection::keyFor(id));
-        QCOMPARE(sets.at(id - 1).ID, id);
-        QCOMPARE(dataset.Unit, expected[id - 1].first);
-        QCOMPARE(dataset.Count(), 2);
-        QCOMPARE(dataset.LastValue(), expected[id - 1].second);
+    void garbageKeepsTheBufferSmall()
+    {
+        MonitorFixture f;
+        f.configure();
+        QByteArray garbage(4096, '\0');
+        for (qsizetype i = 0; i < garbage.size(); ++i)
+            garbage[i] = char(i % 251 == 0x10 ? 0x11 : i % 251); // never a DLE
+        for (int arrival = 0; arrival < 256; ++arrival) {
+            f.feed(garbage);
+            QVERIFY2(f.monitor->receiveBuffer().size() <= 1, "garbage kept in the receive buffer");
+        }
+        // A frame after a megabyte of garbage still comes through.
+        f.feed(SampleWelds::stream(1));
+        QCOMPARE(f.monitor->totalWelds(), 1);
+        QVERIFY(f.monitor->receiveBuffer().storedBytes() < 64 * 1024);
     }
-    QCOMPARE(sets.Item(QStringLiteral("KEY:1")).Name, QStringLiteral("Weld Time"));
-    QCOMPARE(sets.Item(QStringLiteral("KEY:6")).Name, QStringLiteral("Velocity"));
-}
 
-void tst_MonitorStream::alarmLinesNewestOnTop()
-{
-    MonitorFixture f;
-    f.configure(QStringLiteral("IP:127.0.0.1:1000"));
-    const auto text = [](const QString &token) { return qlxLanguage().Translate(token); };
-    const AlarmTable modified = CorvaneUSWSupport::CycleModifiedAlarmCodes();
-    const AlarmTable reject = CorvaneUSWSupport::RejectPartAlarmCodes();
-    const AlarmTable suspect = CorvaneUSWSupport::SuspectPartAlarmCodes();
-    QVERIFY(text(modified[1]) != text(modified[3]) && text(reject[1]) != text(reject[2]));
-    QVERIFY(!suspect[1].isEmpty());
+    void valuesReachTheirDatasets_data()
+    {
+        QTest::addColumn<MeasurementSystem>("system");
+        QTest::addColumn<QString>("distance");
+        QTest::addColumn<QString>("force");
+        QTest::newRow("metric") << MeasurementSystem::Metric << "mm"
+                                << "N";
+        QTest::newRow("US") << MeasurementSystem::US << "inches"
+                            << "LB";
+    }
+    void valuesReachTheirDatasets()
+    {
+        QFETCH(MeasurementSystem, system);
+        QFETCH(QString, distance);
+        QFETCH(QString, force);
+        MonitorFixture f(false, system);
+        f.configure();
+        f.feed(SampleWelds::stream(2, system));
+        const CorvaneFUN26 &r = *f.monitor->currentRecord();
+        const DatasetCollection &sets = f.monitor->datasets();
+        QCOMPARE(sets.Count(), 8);
+        const QList<QPair<QString, double>> expected = {{QStringLiteral("sec"), r.ActualWeldTime},
+                                                        {QStringLiteral("joules"), r.TotalEnergy},
+                                                        {distance, r.ActualDistance},
+                                                        {distance, r.ActualWeldCollapse},
+                                                        {distance, r.ActualTotalCollapse},
+                                                        {distance, r.ActualVelocity},
+                                                        {QStringLiteral("%"), r.PeakPower},
+                                                        {force, r.WeldForceEnd}};
+        for (qint32 id = 1; id <= 8; ++id) {
+            const Dataset &dataset = sets.Item(DatasetCollection::keyFor(id));
+            QCOMPARE(sets.at(id - 1).ID, id);
+            QCOMPARE(dataset.Unit, expected[id - 1].first);
+            QCOMPARE(dataset.Count(), 2);
+            QCOMPARE(dataset.LastValue(), expected[id - 1].second);
+        }
+        QCOMPARE(sets.Item(QStringLiteral("KEY:1")).Name, QStringLiteral("Weld Time"));
+        QCOMPARE(sets.Item(QStringLiteral("KEY:6")).Name, QStringLiteral("Velocity"));
+    }
 
     // Groups are listed Cycle Modified first and Suspect Part last, each from bit 0 up,
-    // and every new line goes on top.
-    CorvaneFUN26 first = SampleWelds::record(10);
-    first.CycleModifiedAlarms = (1 << 1) | (1 << 3);
-    first.RejectPartAlarms = (1 << 1) | (1 << 2);
-    first.SuspectPartAlarms = 1 << 1;
-    CorvaneFUN26 second = SampleWelds::record(11);
-    second.CycleModifiedAlarms = 0;
-    second.RejectPartAlarms = 1 << 2;
-    f.monitor->receiveBytes(frameOf(first) + frameOf(second) + QByteArray(1, '\0'));
-    f.monitor->ProcessDataStream();
+    // every new line goes on top, and bits without a text are not counted.
+    void alarmLinesNewestOnTop()
+    {
+        MonitorFixture f;
+        f.configure();
+        const auto line = [](int cycle, const AlarmTable &table, int bit) {
+            return QStringLiteral("%1: ").arg(cycle) + qlxLanguage().Translate(table[bit]);
+        };
+        const AlarmTable modified = CorvaneUSWSupport::CycleModifiedAlarmCodes();
+        const AlarmTable reject = CorvaneUSWSupport::RejectPartAlarmCodes();
+        const AlarmTable suspect = CorvaneUSWSupport::SuspectPartAlarmCodes();
+        QVERIFY(reject[0].isEmpty() && reject[31].isEmpty());
+        CorvaneFUN26 first = SampleWelds::record(10);
+        first.CycleModifiedAlarms = (1 << 1) | (1 << 3);
+        first.RejectPartAlarms = (1 << 1) | (1 << 2);
+        first.SuspectPartAlarms = 1 << 1;
+        CorvaneFUN26 second = SampleWelds::record(11);
+        second.CycleModifiedAlarms = 0;
+        second.RejectPartAlarms = qint32(0x80000005u); // bits 0 and 31 have no text
+        f.feed(framesOf({first, second}));
 
-    const QStringList expected = {
-        QStringLiteral("11: ") + text(reject[2]),   QStringLiteral("10: ") + text(suspect[1]),
-        QStringLiteral("10: ") + text(reject[2]),   QStringLiteral("10: ") + text(reject[1]),
-        QStringLiteral("10: ") + text(modified[3]), QStringLiteral("10: ") + text(modified[1]),
-    };
-    QCOMPARE(f.monitor->totalAlarms(), 6);
-    QCOMPARE(f.monitor->alarmsText(),
-             expected.join(QStringLiteral("\r\n")) + QStringLiteral("\r\n"));
-    QCOMPARE(f.monitor->alarms().line(0), expected.first());
-    QCOMPARE(f.monitor->alarms().line(5), expected.last());
+        const QStringList expected = {line(11, reject, 2),   line(10, suspect, 1),
+                                      line(10, reject, 2),   line(10, reject, 1),
+                                      line(10, modified, 3), line(10, modified, 1)};
+        QCOMPARE(f.monitor->totalAlarms(), 6);
+        QCOMPARE(f.monitor->alarmsText(), expected.join(QStringLiteral("\r\n")) + "\r\n");
+        QCOMPARE(f.monitor->alarms().line(5), expected.last());
 
-    // A new collection starts with an empty list.
-    f.monitor->StartDataCollection();
-    QCOMPARE(f.monitor->totalAlarms(), 0);
-    QCOMPARE(f.monitor->alarmsText(), QString());
-}
-
-void tst_MonitorStream::alarmBitsWithoutTextAreNotCounted()
-{
-    MonitorFixture f;
-    f.configure(QStringLiteral("IP:127.0.0.1:1000"));
-    CorvaneFUN26 record = SampleWelds::record(1);
-    const AlarmTable reject = CorvaneUSWSupport::RejectPartAlarmCodes();
-    QVERIFY(reject[0].isEmpty() && reject[31].isEmpty() && !reject[2].isEmpty());
-    record.RejectPartAlarms = qint32(0x80000001u); // bits 0 and 31: no texts
-    f.monitor->receiveBytes(frameOf(record) + QByteArray(1, '\0'));
-    f.monitor->ProcessDataStream();
-    QCOMPARE(f.monitor->totalWelds(), 1);
-    QCOMPARE(f.monitor->totalAlarms(), 0);
-    QCOMPARE(f.monitor->alarmsText(), QString());
-
-    record.RejectPartAlarms = qint32(0x80000005u); // and bit 2, which has one
-    f.monitor->receiveBytes(frameOf(record) + QByteArray(1, '\0'));
-    f.monitor->ProcessDataStream();
-    QCOMPARE(f.monitor->totalAlarms(), 1);
-    QCOMPARE(f.monitor->alarms().line(0),
-             QStringLiteral("1: ") + qlxLanguage().Translate(reject[2]));
-}
-
-void tst_MonitorStream::debugModeSimulatesValues()
-{
-    MonitorFixture f(true);
-    f.configure(QStringLiteral("IP:127.0.0.1:1000"), true);
-    CorvaneFUN26 sent = SampleWelds::record(40);
-    sent.TotalEnergy = 0;
-    sent.SetAmplitudeB = 0;
-    f.monitor->receiveBytes(frameOf(sent) + frameOf(sent) + QByteArray(1, '\0'));
-    f.monitor->ProcessDataStream();
-    QCOMPARE(f.monitor->totalWelds(), 2);
-
-    const CorvaneFUN26 &shown = *f.monitor->currentRecord();
-    QCOMPARE(shown.CycleCount, 1); // the welds counted before this one
-    QCOMPARE(shown.TotalEnergy, 0.0);
-    QCOMPARE(shown.SetAmplitudeB, 0);
-    QVERIFY(shown.ActualWeldTime != sent.ActualWeldTime);
-    QVERIFY(qAbs(shown.ActualWeldTime - sent.ActualWeldTime) <= 0.1 * sent.ActualWeldTime);
-    QVERIFY(qAbs(shown.ActualStartFrequency - sent.ActualStartFrequency) <=
-            sent.ActualStartFrequency / 10 + 1);
-    // The simulated values are the ones the datasets and the data log get.
-    const Dataset &weldTime = f.monitor->datasets().Item(QStringLiteral("KEY:1"));
-    QCOMPARE(weldTime.LastValue(), shown.ActualWeldTime);
-    QVERIFY(weldTime.GetValue(1) != weldTime.GetValue(2));
-    QCOMPARE(f.dataLogLines().last(), logLineOf(shown));
-
-    // The same start gives the same sequence.
-    MonitorFixture again(true);
-    again.configure(QStringLiteral("IP:127.0.0.1:1000"));
-    again.monitor->receiveBytes(frameOf(sent) + frameOf(sent) + QByteArray(1, '\0'));
-    again.monitor->ProcessDataStream();
-    QCOMPARE(again.monitor->currentRecord()->ActualWeldTime, shown.ActualWeldTime);
-
-    for (int i = 0; i < 1000; ++i) {
-        const double value = f.monitor->RandomizeDouble(50.0);
-        QVERIFY(value >= 45.0 && value < 55.0);
+        // A new collection starts with an empty list.
+        f.monitor->StartDataCollection();
+        QCOMPARE(f.monitor->totalAlarms(), 0);
+        QCOMPARE(f.monitor->alarmsText(), QString());
     }
-    QCOMPARE(f.monitor->RandomizeDouble(0.0), 0.0);
-}
 
-void tst_MonitorStream::debugModeOffPassesRecordsThrough()
-{
-    MonitorFixture f(false);
-    f.configure(QStringLiteral("IP:127.0.0.1:1000"));
-    const CorvaneFUN26 sent = SampleWelds::record(3);
-    f.monitor->receiveBytes(frameOf(sent) + QByteArray(1, '\0'));
-    f.monitor->ProcessDataStream();
-    CorvaneFUN26 expected = sent;
-    expected.AcquiredTime = f.monitor->currentRecord()->AcquiredTime;
-    QCOMPARE(*f.monitor->currentRecord(), expected);
-}
+    void debugModeSimulatesValues()
+    {
+        CorvaneFUN26 sent = SampleWelds::record(40);
+        sent.TotalEnergy = 0;
+        sent.SetAmplitudeB = 0;
+        MonitorFixture f(true);
+        f.configure(QStringLiteral("IP:127.0.0.1:1000"), true);
+        f.feed(framesOf({sent, sent}));
+        QCOMPARE(f.monitor->totalWelds(), 2);
 
-void tst_MonitorStream::dataLogHeaderOnlyForMissingOrEmptyFile()
-{
-    MonitorFixture f;
-    f.configure(QStringLiteral("IP:127.0.0.1:1000"), true);
-    const QString header = CorvaneFUN26::HeaderRecord(f.language);
+        const CorvaneFUN26 &shown = *f.monitor->currentRecord();
+        QCOMPARE(shown.CycleCount, 1); // the welds counted before this one
+        QCOMPARE(shown.TotalEnergy, 0.0);
+        QCOMPARE(shown.SetAmplitudeB, 0);
+        QVERIFY(shown.ActualWeldTime != sent.ActualWeldTime);
+        QVERIFY(qAbs(shown.ActualWeldTime - sent.ActualWeldTime) <= 0.1 * sent.ActualWeldTime);
+        QVERIFY(qAbs(shown.ActualStartFrequency - sent.ActualStartFrequency) <=
+                sent.ActualStartFrequency / 10 + 1);
+        // The simulated values are the ones the datasets and the data log get.
+        const Dataset &weldTime = f.monitor->datasets().Item(QStringLiteral("KEY:1"));
+        QCOMPARE(weldTime.LastValue(), shown.ActualWeldTime);
+        QVERIFY(weldTime.GetValue(1) != weldTime.GetValue(2));
+        QCOMPARE(f.dataLogLines().last(), shown.Record(RegionalFormat()));
 
-    f.monitor->StartDataCollection();
-    QCOMPARE(f.dataLogLines(), QStringList{header});
-    f.monitor->receiveBytes(SampleWelds::stream(2));
-    f.monitor->ProcessDataStream();
-    f.monitor->StopDataCollection();
+        // The same start gives the same sequence.
+        MonitorFixture again(true);
+        again.configure();
+        again.feed(framesOf({sent, sent}));
+        QCOMPARE(again.monitor->currentRecord()->ActualWeldTime, shown.ActualWeldTime);
 
-    f.monitor->StartDataCollection(); // the file has data: no second header
-    f.monitor->receiveBytes(SampleWelds::stream(1));
-    f.monitor->ProcessDataStream();
-    const QStringList lines = f.dataLogLines();
-    QCOMPARE(lines.size(), 4);
-    QCOMPARE(lines.count(header), 1);
-    QCOMPARE(lines.first(), header);
-
-    QFile empty(f.dataLogPath());
-    QVERIFY(empty.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    empty.close();
-    f.monitor->StopDataCollection();
-    f.monitor->StartDataCollection();
-    QCOMPARE(f.dataLogLines(), QStringList{header});
-
-    // Logging switched off writes nothing at all.
-    QVERIFY(QFile::remove(f.dataLogPath()));
-    f.monitor->setDataLogging(false, f.dataLogPath());
-    f.monitor->StopDataCollection();
-    f.monitor->StartDataCollection();
-    f.monitor->receiveBytes(SampleWelds::stream(1));
-    f.monitor->ProcessDataStream();
-    QVERIFY(!QFile::exists(f.dataLogPath()));
-}
-
-void tst_MonitorStream::unwritableDataLogCostsOneEventLinePerWeld()
-{
-    MonitorFixture f;
-    f.configure(QStringLiteral("IP:127.0.0.1:1000"));
-    const QString path = f.folder.filePath(QStringLiteral("missing/folder/welds.txt"));
-    f.monitor->setDataLogging(true, path);
-    f.monitor->receiveBytes(SampleWelds::stream(3));
-    f.monitor->ProcessDataStream();
-
-    QCOMPARE(f.monitor->totalWelds(), 3);
-    QVERIFY(f.errors.isEmpty());
-    const QStringList events = f.eventLogLines();
-    QCOMPARE(events.size(), 3);
-    for (const QString &event : events) {
-        const QStringList fields = event.split(u'\t');
-        QCOMPARE(fields.size(), 6);
-        QCOMPARE(fields.at(1), QStringLiteral("Main"));
-        QCOMPARE(fields.at(2), QStringLiteral("Data Log Open"));
-        QCOMPARE(fields.at(3).toInt(), ProgramError::kPathNotFound);
-        QVERIFY(!fields.at(4).isEmpty());
-        QCOMPARE(fields.at(5), path);
+        for (int i = 0; i < 1000; ++i) {
+            const double value = f.monitor->RandomizeDouble(50.0);
+            QVERIFY(value >= 45.0 && value < 55.0);
+        }
+        QCOMPARE(f.monitor->RandomizeDouble(0.0), 0.0);
     }
-}
 
-void tst_MonitorStream::samplingGetsEveryRecordInOrder()
-{
-    QStringList calls;
-    MonitorFixture f(false, kMetric, [&] { return std::make_unique<RecordingSampling>(calls); });
-    f.configure(QStringLiteral("IP:127.0.0.1:1000"));
-    f.monitor->receiveBytes(SampleWelds::stream(3));
-    f.monitor->ProcessDataStream();
-    QCOMPARE(calls, (QStringList{"add 1", "add 2", "add 3"}));
-}
+    void dataLogHeaderOnlyForMissingOrEmptyFile()
+    {
+        MonitorFixture f;
+        f.configure(QStringLiteral("IP:127.0.0.1:1000"), true);
+        const QString header = CorvaneFUN26::HeaderRecord(f.language);
+        const auto restart = [&] {
+            f.monitor->StopDataCollection();
+            f.monitor->StartDataCollection();
+        };
+        f.monitor->StartDataCollection();
+        QCOMPARE(f.dataLogLines(), QStringList{header});
+        f.feed(SampleWelds::stream(2));
+        restart(); // the file has data: no second header
+        f.feed(SampleWelds::stream(1));
+        QCOMPARE(f.dataLogLines(),
+                 QStringList{header} + logLinesOf(2, f.clock.now()) + logLinesOf(1, f.clock.now()));
 
-void tst_MonitorStream::refusedSamplingStartChangesNothing()
-{
-    QStringList calls;
-    MonitorFixture f(false, kMetric,
-                     [&] { return std::make_unique<RecordingSampling>(calls, true, false); });
-    f.configure(QStringLiteral("IP:127.0.0.1:1000"), true);
-    f.monitor->receiveBytes(SampleWelds::stream(3));
-    f.monitor->ProcessDataStream();
-    const QString caption = f.monitor->startStopCaption();
+        QFile empty(f.dataLogPath());
+        QVERIFY(empty.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        empty.close();
+        restart();
+        QCOMPARE(f.dataLogLines(), QStringList{header});
 
-    f.monitor->StartStop();
+        // Logging switched off writes nothing at all.
+        QVERIFY(QFile::remove(f.dataLogPath()));
+        f.monitor->setDataLogging(false, f.dataLogPath());
+        restart();
+        f.feed(SampleWelds::stream(1));
+        QVERIFY(!QFile::exists(f.dataLogPath()));
+    }
 
-    QCOMPARE(calls.last(), QStringLiteral("start"));
-    QCOMPARE(f.monitor->startStopCaption(), caption);
-    QCOMPARE(f.monitor->totalWelds(), 3);
-    QCOMPARE(f.monitor->totalAlarms(), 2);
-    QCOMPARE(f.socket, nullptr); // the link was never touched
-    QVERIFY(f.monitor->displayItemsEnabled());
-    QCOMPARE(f.dataLogLines().size(), 3); // and no header was written
-}
+    void unwritableDataLogCostsOneEventLinePerWeld()
+    {
+        MonitorFixture f;
+        f.configure();
+        const QString path = f.folder.filePath(QStringLiteral("missing/folder/welds.txt"));
+        f.monitor->setDataLogging(true, path);
+        f.feed(SampleWelds::stream(3));
+        QCOMPARE(f.monitor->totalWelds(), 3);
+        QVERIFY(f.errors.isEmpty());
+        const QStringList events = f.eventLogLines();
+        QCOMPARE(events.size(), 3);
+        for (const QString &event : events) {
+            const QStringList fields = event.split(u'\t');
+            QCOMPARE(fields.size(), 6);
+            QVERIFY(!fields.at(4).isEmpty());
+            QCOMPARE(fields.mid(1, 3) << fields.at(5),
+                     (QStringList{"Main", "Data Log Open",
+                                  QString::number(ProgramError::kPathNotFound), path}));
+        }
+    }
+
+    // Every record goes to sampling in order; a refused sampling start leaves the
+    // monitor, its link and its data log as they were.
+    void samplingGetsEveryRecordAndMayRefuseTheStart()
+    {
+        QStringList calls;
+        MonitorFixture f(false, kMetric,
+                         [&] { return std::make_unique<RecordingSampling>(calls, true, false); });
+        f.configure(QStringLiteral("IP:127.0.0.1:1000"), true);
+        f.feed(SampleWelds::stream(3));
+        QCOMPARE(calls, (QStringList{"add 1", "add 2", "add 3"}));
+        const QString caption = f.monitor->startStopCaption();
+        f.monitor->StartStop();
+        QCOMPARE(calls.last(), QStringLiteral("start"));
+        QCOMPARE(f.monitor->startStopCaption(), caption);
+        QCOMPARE(f.monitor->totalWelds(), 3);
+        QCOMPARE(f.monitor->totalAlarms(), 2);
+        QCOMPARE(f.socket, nullptr); // the link was never touched
+        QVERIFY(f.monitor->displayItemsEnabled());
+        QCOMPARE(f.dataLogLines().size(), 3); // and no header was written
+    }
+};
 
 QTEST_GUILESS_MAIN(tst_MonitorStream)
 #include "tst_monitorstream.moc"

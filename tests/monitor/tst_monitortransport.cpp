@@ -102,125 +102,120 @@ class tst_MonitorTransport : public QObject
     Q_OBJECT
 
 private slots:
-    void weldsOverLoopbackTcp();
-    void peerCloseIsReconnectedByTheTimer();
-    void refusedConnectionGoesToTheEventLog();
-    void weldsOverAPseudoTerminal();
-    void serialPortThatDoesNotExist();
-};
-
-void tst_MonitorTransport::weldsOverLoopbackTcp()
-{
-    LoopbackSupply supply;
-    RealMonitor m;
-    m.monitor->setEquipment(QStringLiteral("Horn"), supply.address());
-    m.monitor->StartStop();
-    QVERIFY(supply.accept());
-    QTRY_COMPARE(m.monitor->DriverState(), 3);
-
-    // Records cut into small pieces, a corrupted frame and garbage among them.
-    const QByteArray stream =
-        SampleWelds::stream(3) + QByteArray("\x10\x10garbage") +
-        corrupted(Function26Frame::encode(SampleWelds::record(99), MeasurementSystem::Metric)) +
-        SampleWelds::stream(4).sliced(3 * 125);
-    for (qsizetype at = 0; at < stream.size(); at += 37) {
-        supply.send(stream.mid(at, 37));
-        QTest::qWait(1);
-    }
-    QTRY_COMPARE(m.monitor->totalWelds(), 4);
-    QCOMPARE(m.errors.count(), 1);
-    QCOMPARE(m.errors.last().location, QStringLiteral("CorvaneUsw.ProcessDataStream"));
-    const QStringList lines = m.dataLogLines();
-    QCOMPARE(lines.size(), 5);
-    QCOMPARE(lines.first(), CorvaneFUN26::HeaderRecord(m.language));
-    for (int cycle = 1; cycle <= 4; ++cycle)
-        QCOMPARE(lines.at(cycle).section(u'\t', 1, 1), QString::number(cycle));
-
-    m.monitor->StartStop();
-    QCOMPARE(m.monitor->DriverState(), 1);
-    QTRY_VERIFY(supply.peer->state() == QAbstractSocket::UnconnectedState);
-}
-
-void tst_MonitorTransport::peerCloseIsReconnectedByTheTimer()
-{
-    LoopbackSupply supply;
-    RealMonitor m;
-    m.monitor->setEquipment(QStringLiteral("Horn"), supply.address());
-    m.monitor->StartStop();
-    QVERIFY(supply.accept());
-    QTRY_COMPARE(m.monitor->DriverState(), 3);
-    supply.send(SampleWelds::stream(1));
-    QTRY_COMPARE(m.monitor->totalWelds(), 1);
-
-    // The power supply restarts: the 100 ms timer notices the closed connection.
-    supply.peer->disconnectFromHost();
-    QVERIFY(supply.accept());
-    QTRY_COMPARE(m.monitor->DriverState(), 3);
-    supply.send(SampleWelds::stream(2).sliced(125));
-    QTRY_COMPARE(m.monitor->totalWelds(), 2);
-    QVERIFY(m.errors.isEmpty());
-}
-
-void tst_MonitorTransport::refusedConnectionGoesToTheEventLog()
-{
-    quint16 closedPort = 0;
+    void weldsOverLoopbackTcp()
     {
-        QTcpServer probe;
-        QVERIFY(probe.listen(QHostAddress::LocalHost, 0));
-        closedPort = probe.serverPort();
+        LoopbackSupply supply;
+        RealMonitor m;
+        m.monitor->setEquipment(QStringLiteral("Horn"), supply.address());
+        m.monitor->StartStop();
+        QVERIFY(supply.accept());
+        QTRY_COMPARE(m.monitor->DriverState(), 3);
+
+        // Records cut into small pieces, a corrupted frame and garbage among them.
+        const QByteArray stream =
+            SampleWelds::stream(3) + QByteArray("\x10\x10garbage") +
+            corrupted(Function26Frame::encode(SampleWelds::record(99), MeasurementSystem::Metric)) +
+            SampleWelds::stream(4).sliced(3 * 125);
+        for (qsizetype at = 0; at < stream.size(); at += 37) {
+            supply.send(stream.mid(at, 37));
+            QTest::qWait(1);
+        }
+        QTRY_COMPARE(m.monitor->totalWelds(), 4);
+        QCOMPARE(m.errors.count(), 1);
+        QCOMPARE(m.errors.last().location, QStringLiteral("CorvaneUsw.ProcessDataStream"));
+        const QStringList lines = m.dataLogLines();
+        QCOMPARE(lines.size(), 5);
+        QCOMPARE(lines.first(), CorvaneFUN26::HeaderRecord(m.language));
+        for (int cycle = 1; cycle <= 4; ++cycle)
+            QCOMPARE(lines.at(cycle).section(u'\t', 1, 1), QString::number(cycle));
+
+        m.monitor->StartStop();
+        QCOMPARE(m.monitor->DriverState(), 1);
+        QTRY_VERIFY(supply.peer->state() == QAbstractSocket::UnconnectedState);
     }
-    RealMonitor m;
-    m.monitor->setEquipment(QStringLiteral("Horn"),
-                            QStringLiteral("IP:127.0.0.1:") + QString::number(closedPort));
-    m.monitor->StartStop();
-    QTRY_VERIFY(QFile::exists(m.eventLog.path()));
-    QFile log(m.eventLog.path());
-    QVERIFY(log.open(QIODevice::ReadOnly));
-    const QStringList fields = QString::fromUtf8(log.readLine()).trimmed().split(u'\t');
-    QCOMPARE(fields.size(), 6);
-    QCOMPARE(fields.at(1), QStringLiteral("Main"));
-    QCOMPARE(fields.at(2), QStringLiteral("WinSockError"));
-    QCOMPARE(fields.at(3), QStringLiteral("10061"));
-    QVERIFY(fields.at(5).startsWith(QStringLiteral("SCODE: ")));
-    QTRY_COMPARE(m.monitor->connectionLabel(), QStringLiteral("Connecting..."));
-}
 
-void tst_MonitorTransport::weldsOverAPseudoTerminal()
-{
-    PseudoTerminal cable;
-    QVERIFY2(cable.isValid(), qPrintable(cable.errorText()));
-    RealMonitor m;
-    m.monitor->setEquipment(QStringLiteral("Press 2"), QStringLiteral("COM:") + cable.slavePath() +
-                                                           QStringLiteral(",19200,N,8,1,0"));
-    m.monitor->StartStop();
-    QCOMPARE(m.monitor->connectionLabel(), QStringLiteral("Connected"));
-    QCOMPARE(m.monitor->GetSocketState(), QStringLiteral("Opened"));
+    void peerCloseIsReconnectedByTheTimer()
+    {
+        LoopbackSupply supply;
+        RealMonitor m;
+        m.monitor->setEquipment(QStringLiteral("Horn"), supply.address());
+        m.monitor->StartStop();
+        QVERIFY(supply.accept());
+        QTRY_COMPARE(m.monitor->DriverState(), 3);
+        supply.send(SampleWelds::stream(1));
+        QTRY_COMPARE(m.monitor->totalWelds(), 1);
 
-    const QByteArray stream = QByteArray("line noise") + SampleWelds::stream(5);
-    for (qsizetype at = 0; at < stream.size(); at += 50) {
-        QVERIFY(cable.write(stream.mid(at, 50)));
-        QTest::qWait(1);
+        // The power supply restarts: the 100 ms timer notices the closed connection.
+        supply.peer->disconnectFromHost();
+        QVERIFY(supply.accept());
+        QTRY_COMPARE(m.monitor->DriverState(), 3);
+        supply.send(SampleWelds::stream(2).sliced(125));
+        QTRY_COMPARE(m.monitor->totalWelds(), 2);
+        QVERIFY(m.errors.isEmpty());
     }
-    QTRY_COMPARE(m.monitor->totalWelds(), 5);
-    QCOMPARE(m.dataLogLines().size(), 6);
-    QVERIFY(m.errors.isEmpty());
 
-    m.monitor->StartStop();
-    QCOMPARE(m.monitor->GetSocketState(), QStringLiteral("Closed"));
-    QCOMPARE(m.monitor->startStopCaption(), QStringLiteral("&Start"));
-}
+    void refusedConnectionGoesToTheEventLog()
+    {
+        quint16 closedPort = 0;
+        {
+            QTcpServer probe;
+            QVERIFY(probe.listen(QHostAddress::LocalHost, 0));
+            closedPort = probe.serverPort();
+        }
+        RealMonitor m;
+        m.monitor->setEquipment(QStringLiteral("Horn"),
+                                QStringLiteral("IP:127.0.0.1:") + QString::number(closedPort));
+        m.monitor->StartStop();
+        QTRY_VERIFY(QFile::exists(m.eventLog.path()));
+        QFile log(m.eventLog.path());
+        QVERIFY(log.open(QIODevice::ReadOnly));
+        const QStringList fields = QString::fromUtf8(log.readLine()).trimmed().split(u'\t');
+        QCOMPARE(fields.size(), 6);
+        QCOMPARE(fields.at(1), QStringLiteral("Main"));
+        QCOMPARE(fields.at(2), QStringLiteral("WinSockError"));
+        QCOMPARE(fields.at(3), QStringLiteral("10061"));
+        QVERIFY(fields.at(5).startsWith(QStringLiteral("SCODE: ")));
+        QTRY_COMPARE(m.monitor->connectionLabel(), QStringLiteral("Connecting..."));
+    }
 
-void tst_MonitorTransport::serialPortThatDoesNotExist()
-{
-    RealMonitor m;
-    m.monitor->setEquipment(QStringLiteral("Press 2"),
-                            QStringLiteral("COM:/dev/does-not-exist,9600,N,8,1,0"));
-    m.monitor->StartStop();
-    QCOMPARE(m.monitor->connectionLabel(), QStringLiteral("Invalid Port Number"));
-    QCOMPARE(m.monitor->startStopCaption(), QStringLiteral("&Start"));
-    QCOMPARE(m.monitor->DriverState(), 1);
-    QVERIFY(m.errors.isEmpty());
-}
+    void weldsOverAPseudoTerminal()
+    {
+        PseudoTerminal cable;
+        QVERIFY2(cable.isValid(), qPrintable(cable.errorText()));
+        RealMonitor m;
+        m.monitor->setEquipment(QStringLiteral("Press 2"), QStringLiteral("COM:") +
+                                                               cable.slavePath() +
+                                                               QStringLiteral(",19200,N,8,1,0"));
+        m.monitor->StartStop();
+        QCOMPARE(m.monitor->connectionLabel(), QStringLiteral("Connected"));
+        QCOMPARE(m.monitor->GetSocketState(), QStringLiteral("Opened"));
+
+        const QByteArray stream = QByteArray("line noise") + SampleWelds::stream(5);
+        for (qsizetype at = 0; at < stream.size(); at += 50) {
+            QVERIFY(cable.write(stream.mid(at, 50)));
+            QTest::qWait(1);
+        }
+        QTRY_COMPARE(m.monitor->totalWelds(), 5);
+        QCOMPARE(m.dataLogLines().size(), 6);
+        QVERIFY(m.errors.isEmpty());
+
+        m.monitor->StartStop();
+        QCOMPARE(m.monitor->GetSocketState(), QStringLiteral("Closed"));
+        QCOMPARE(m.monitor->startStopCaption(), QStringLiteral("&Start"));
+    }
+
+    void serialPortThatDoesNotExist()
+    {
+        RealMonitor m;
+        m.monitor->setEquipment(QStringLiteral("Press 2"),
+                                QStringLiteral("COM:/dev/does-not-exist,9600,N,8,1,0"));
+        m.monitor->StartStop();
+        QCOMPARE(m.monitor->connectionLabel(), QStringLiteral("Invalid Port Number"));
+        QCOMPARE(m.monitor->startStopCaption(), QStringLiteral("&Start"));
+        QCOMPARE(m.monitor->DriverState(), 1);
+        QVERIFY(m.errors.isEmpty());
+    }
+};
 
 QTEST_GUILESS_MAIN(tst_MonitorTransport)
 #include "tst_monitortransport.moc"

@@ -1,32 +1,13 @@
 #pragma once
 
-#include "platform/MessageBoxes.h"
+#include "RecordingMessageBoxes.h"
+
 #include "platform/ProgramError.h"
 #include "platform/spc/Database.h"
 #include "sampling/PartSelector.h"
 
 #include <QList>
 #include <QString>
-
-// Message boxes that keep what they were asked to show.
-class RecordingMessageBoxes : public MessageBoxes
-{
-public:
-    struct Message
-    {
-        QString title;
-        QString text;
-    };
-
-    void critical(const QString &title, const QString &text) override
-    {
-        messages.append({title, text});
-    }
-    void beep() override { ++beeps; }
-
-    QList<Message> messages;
-    int beeps = 0;
-};
 
 // A connection to an SPC database that is never there: every call that would reach the
 // database is counted and fails. Only the data source name, a plain setting of the

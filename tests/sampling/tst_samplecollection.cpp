@@ -95,6 +95,12 @@ struct Line
     }
 
     void tick() { sampling.ProcessSamplePeriod(language, datasets); }
+    // The clock moves on and the sampling timer ticks once.
+    void tickAfter(qint64 seconds)
+    {
+        clock.advanceSeconds(seconds);
+        tick();
+    }
     QList<StoredValue> stored() { return sampling.database().subgroupValues({}); }
 
     QTemporaryDir folder;
@@ -165,6 +171,12 @@ QString errorsText(const RecordingErrorReport &errors)
     Line line;                                                                                     \
     QVERIFY2(line.openPlant(scratch.dsn()), qPrintable(line.sampling.database().lastErrorText()))
 
+// The plant's database in a SQLite file, for the cases that need no server.
+#define SQLITE_PLANT(line)                                                                         \
+    ScratchDatabase scratch(QStringLiteral("sqlite"));                                             \
+    Line line;                                                                                     \
+    QVERIFY(line.openPlant(scratch.dsn()))
+
 } // namespace
 
 // Sampling periods of a running monitor and the subgroups they leave in a real SPC
@@ -177,9 +189,7 @@ class TestSampleCollection : public QObject
 private slots:
     void periodsOfADayDoNotDrift()
     {
-        ScratchDatabase scratch(QStringLiteral("sqlite"));
-        Line line;
-        QVERIFY(line.openPlant(scratch.dsn()));
+        SQLITE_PLANT(line);
         QVERIFY(line.sampling.StartCollection(line.language));
         QCOMPARE(line.sampling.PeriodStart(), kMidnight);
         QCOMPARE(line.sampling.NextSampleTime(), kMidnight.addSecs(300));
@@ -187,8 +197,7 @@ private slots:
         while (line.clock.now() < kMidnight.addDays(1)) {
             if (line.sampling.subgroupRecord().WeldCount == 0)
                 line.weld(1);
-            line.clock.advanceSeconds(7);
-            line.tick();
+            line.tickAfter(7);
         }
         QCOMPARE(line.sampling.PeriodStart(), kMidnight.addDays(1));
         QCOMPARE(line.sampling.NextSampleTime(), kMidnight.addDays(1).addSecs(300));
@@ -237,8 +246,7 @@ private slots:
         QVERIFY(line.sampling.StartCollection(line.language));
         for (int n = 1; n <= welds; ++n)
             line.weld(n);
-        line.clock.advanceSeconds(300);
-        line.tick();
+        line.tickAfter(300);
 
         const QList<StoredValue> rows = line.stored();
         QCOMPARE(subgroupIds(rows).size(), 1);
@@ -272,15 +280,11 @@ private slots:
 
     void quietPeriodsSaveNothingAndOneOverduePeriodClosesPerTick()
     {
-        ScratchDatabase scratch(QStringLiteral("sqlite"));
-        Line line;
-        QVERIFY(line.openPlant(scratch.dsn()));
+        SQLITE_PLANT(line);
         QVERIFY(line.sampling.StartCollection(line.language));
-        line.clock.advanceSeconds(299);
-        line.tick();
+        line.tickAfter(299);
         QCOMPARE(line.sampling.NextSampleTime(), kMidnight.addSecs(300));
-        line.clock.advanceSeconds(1);
-        line.tick();
+        line.tickAfter(1);
         QCOMPARE(line.sampling.NextSampleTime(), kMidnight.addSecs(600));
         QVERIFY(line.stored().isEmpty());
 
@@ -318,9 +322,7 @@ private slots:
         QFETCH(bool, logging);
         QFETCH(int, logAlarms);
         QFETCH(QStringList, items);
-        ScratchDatabase scratch(QStringLiteral("sqlite"));
-        Line line;
-        QVERIFY(line.openPlant(scratch.dsn()));
+        SQLITE_PLANT(line);
         line.language.setText(6462, QStringLiteral("Ausschuss"));
         line.language.setText(6070, QStringLiteral("-R Spitzenleistung"));
         line.sampling.setEnableAlarmLogging(logging);
@@ -464,8 +466,7 @@ private slots:
         QVERIFY(line.sampling.StartCollection(line.language));
         for (int n = 1; n <= 3; ++n)
             line.weld(n);
-        line.clock.advanceSeconds(300);
-        line.tick();
+        line.tickAfter(300);
         QCOMPARE(line.errors.count(), 1);
         QCOMPARE(line.errors.last().location, QStringLiteral("SamplingProperties.SaveSubgroup"));
         QVERIFY2(line.errors.last().description.contains(QLatin1String("disk gone")),
@@ -478,8 +479,7 @@ private slots:
                          (server ? QStringLiteral(" ON test_items") : QString())));
         line.weld(4);
         line.weld(5);
-        line.clock.advanceSeconds(300);
-        line.tick();
+        line.tickAfter(300);
         const QList<StoredValue> rows = line.stored();
         QCOMPARE(subgroupIds(rows).size(), 1);
         QCOMPARE(rows.first().header.valueCount, 2);
@@ -489,9 +489,7 @@ private slots:
 
     void stopSavesThePartialPeriod()
     {
-        ScratchDatabase scratch(QStringLiteral("sqlite"));
-        Line line;
-        QVERIFY(line.openPlant(scratch.dsn()));
+        SQLITE_PLANT(line);
         QVERIFY(line.sampling.StartCollection(line.language));
         line.weld(1);
         line.weld(2);
@@ -499,8 +497,7 @@ private slots:
         line.sampling.StopCollection(line.language, line.datasets);
         QVERIFY(!line.sampling.Collecting());
         line.weld(3);
-        line.clock.advanceSeconds(300);
-        line.tick();
+        line.tickAfter(300);
         line.sampling.StopCollection(line.language, line.datasets);
         QList<StoredValue> rows = line.stored();
         QCOMPARE(subgroupIds(rows).size(), 1);
@@ -536,8 +533,7 @@ private slots:
         QVERIFY(line.sampling.StartCollection(line.language)); // the monitor runs without
         QVERIFY(!line.sampling.Collecting());
         line.weld(1);
-        line.clock.advanceSeconds(600);
-        line.tick();
+        line.tickAfter(600);
         line.sampling.StopCollection(line.language, line.datasets);
         line.sampling.InitializeSpecificationLimits(line.datasets);
         QVERIFY(!line.sampling.SelectPart(nullptr));
@@ -549,9 +545,7 @@ private slots:
 
     void selectPart()
     {
-        ScratchDatabase scratch(QStringLiteral("sqlite"));
-        Line line;
-        QVERIFY(line.openPlant(scratch.dsn()));
+        SQLITE_PLANT(line);
         QVERIFY(!line.sampling.SelectPart(nullptr)); // reselection not allowed
         QCOMPARE(line.boxes.beeps, 1);
         line.sampling.setAllowPartReselect(true);

@@ -1,3 +1,5 @@
+#include "Refusal.h"
+
 #include "stats/widgets/BgrColor.h"
 #include "stats/widgets/HorizontalMeter.h"
 
@@ -8,25 +10,12 @@
 #include <QPalette>
 #include <QTest>
 
-#include <optional>
-
 namespace {
 
 constexpr int kWidth = 440;
 constexpr int kHeight = 50;
 
 const QString kLimitsCrossed = QStringLiteral("Invalid Value! LimitLower > LimitUpper!");
-
-// Runs a call that must be refused and returns the failure it raised.
-template <typename Call> std::optional<ProgramError> refusal(Call call)
-{
-    try {
-        call();
-    } catch (const ProgramError &error) {
-        return error;
-    }
-    return std::nullopt;
-}
 
 // A meter as a monitor row shows it: switched on, with a unit and values.
 void showData(HorizontalMeter &meter)

@@ -188,19 +188,6 @@ private slots:
         QCOMPARE(records(run), expected({1, 2, 3, 4, 5}));
     }
 
-    void completeLastFrameIsDecoded()
-    {
-        const QByteArray capture = frames({1, 2, 3});
-        for (const char *chunk : {"1", "4096"}) {
-            const Run run = decodeFile(capture, {QStringLiteral("--chunk"), QLatin1String(chunk)});
-            QCOMPARE(run.err, QByteArray());
-            QCOMPARE(run.exitCode, 0);
-            QCOMPARE(records(run), expected({1, 2, 3}));
-        }
-        const Run fromInput = decode({}, &capture);
-        QCOMPARE(records(fromInput), expected({1, 2, 3}));
-    }
-
     // A corrupted frame is reported and skipped; the frames behind it still count.
     void corruptedFrameInTheMiddle_data()
     {
@@ -230,37 +217,34 @@ private slots:
         QVERIFY2(run.err.contains("byte 248"), run.err.constData());
     }
 
-    void incompleteTailIsReported_data()
+    // A capture that ends inside a frame, or a false frame start that never completes,
+    // is reported once; every whole weld in front of and behind it still comes out.
+    void incompleteFrameIsReported_data()
     {
-        QTest::addColumn<int>("tailBytes");
-        QTest::newRow("frame start only") << 2;
-        QTest::newRow("half a frame") << 60;
-        QTest::newRow("all but the ETX") << 123;
+        QTest::addColumn<QByteArray>("capture");
+        QTest::addColumn<QList<int>>("cycles");
+        QTest::newRow("frame start only")
+            << frames({1, 2, 3}) + frame(4).first(2) << QList{1, 2, 3};
+        QTest::newRow("half a frame") << frames({1, 2, 3}) + frame(4).first(60) << QList{1, 2, 3};
+        QTest::newRow("all but the ETX")
+            << frames({1, 2, 3}) + frame(4).first(123) << QList{1, 2, 3};
+        // Line noise that reads as a frame of another function 32767 bytes long.
+        QTest::newRow("false frame start")
+            << frames({1}) + QByteArray("\x10\x02\x7f\xff\x00\x05", 6) + frames({2, 3, 4, 5})
+            << QList{1, 2, 3, 4, 5};
     }
 
-    void incompleteTailIsReported()
+    void incompleteFrameIsReported()
     {
-        QFETCH(int, tailBytes);
-        const QByteArray capture = frames({1, 2, 3}) + frame(4).first(tailBytes);
+        QFETCH(QByteArray, capture);
+        QFETCH(QList<int>, cycles);
+        QStringList lines;
+        for (int cycle : cycles)
+            lines << expectedLine(cycle);
         for (const char *chunk : {"1", "4096"}) {
             const Run run = decodeFile(capture, {QStringLiteral("--chunk"), QLatin1String(chunk)});
             QCOMPARE(run.exitCode, 1);
-            QCOMPARE(records(run), expected({1, 2, 3}));
-            QCOMPARE(run.errLines().size(), 1);
-            QVERIFY2(run.err.contains("incomplete"), run.err.constData());
-        }
-    }
-
-    void falseFrameStartDoesNotHideTheWeldsBehindIt()
-    {
-        // Line noise that reads as the start of a frame of another function with a
-        // length of 32767: it never completes, and the welds behind it must still come out.
-        const QByteArray falseStart("\x10\x02\x7f\xff\x00\x05", 6);
-        const QByteArray capture = frames({1}) + falseStart + frames({2, 3, 4, 5});
-        for (const char *chunk : {"1", "4096"}) {
-            const Run run = decodeFile(capture, {QStringLiteral("--chunk"), QLatin1String(chunk)});
-            QCOMPARE(run.exitCode, 1);
-            QCOMPARE(records(run), expected({1, 2, 3, 4, 5}));
+            QCOMPARE(records(run), lines);
             QCOMPARE(run.errLines().size(), 1);
             QVERIFY2(run.err.contains("incomplete"), run.err.constData());
         }
@@ -271,12 +255,10 @@ private slots:
         QTest::addColumn<QString>("option");
         QTest::addColumn<QString>("distance");
         QTest::addColumn<QString>("force");
-        QTest::newRow("US") << "--us"
-                            << "1.2345"
-                            << "-1";
-        QTest::newRow("metric") << "--metric"
-                                << "31.3563"
-                                << "-4.448222";
+        QTest::newRow("US") << QStringLiteral("--us") << QStringLiteral("1.2345")
+                            << QStringLiteral("-1");
+        QTest::newRow("metric") << QStringLiteral("--metric") << QStringLiteral("31.3563")
+                                << QStringLiteral("-4.448222");
     }
 
     void unitSystemChoosesTheColumns()
@@ -311,38 +293,18 @@ private slots:
         QTest::addColumn<QString>("environmentFolder");
         QTest::addColumn<QString>("locale");
         QTest::addColumn<QString>("distance");
-        QTest::newRow("--data-dir, inch") << "inch"
-                                          << ""
-                                          << "C.UTF-8"
-                                          << "1.2345";
-        QTest::newRow("--data-dir, metric") << "metric"
-                                            << ""
-                                            << "en_US.UTF-8"
-                                            << "31.3563";
-        QTest::newRow("environment, inch") << ""
-                                           << "inch"
-                                           << "C.UTF-8"
-                                           << "1.2345";
-        QTest::newRow("environment, metric") << ""
-                                             << "metric"
-                                             << "en_US.UTF-8"
-                                             << "31.3563";
-        QTest::newRow("--data-dir over environment") << "metric"
-                                                     << "inch"
-                                                     << "C.UTF-8"
-                                                     << "31.3563";
-        QTest::newRow("unknown value, US region") << "other"
-                                                  << ""
-                                                  << "en_US.UTF-8"
-                                                  << "1.2345";
-        QTest::newRow("no file, US region") << "empty"
-                                            << ""
-                                            << "en_US.UTF-8"
-                                            << "1.2345";
-        QTest::newRow("no file, German region") << "empty"
-                                                << ""
-                                                << "de_DE.UTF-8"
-                                                << "31,3563";
+        const auto row = [](const char *name, const char *argument, const char *environment,
+                            const char *locale, const char *distance) {
+            QTest::newRow(name) << argument << environment << locale << distance;
+        };
+        row("--data-dir, inch", "inch", "", "C.UTF-8", "1.2345");
+        row("--data-dir, metric", "metric", "", "en_US.UTF-8", "31.3563");
+        row("environment, inch", "", "inch", "C.UTF-8", "1.2345");
+        row("environment, metric", "", "metric", "en_US.UTF-8", "31.3563");
+        row("--data-dir over environment", "metric", "inch", "C.UTF-8", "31.3563");
+        row("unknown value, US region", "other", "", "en_US.UTF-8", "1.2345");
+        row("no file, US region", "empty", "", "en_US.UTF-8", "1.2345");
+        row("no file, German region", "empty", "", "de_DE.UTF-8", "31,3563");
     }
 
     void preferencesChooseTheUnits()
