@@ -15,7 +15,12 @@ function(corvane_add_test)
     set_tests_properties(${ARG_NAME} PROPERTIES
         TIMEOUT ${ARG_TIMEOUT}
         LABELS "${ARG_LABELS}"
-        ENVIRONMENT "QT_QPA_PLATFORM=offscreen;XDG_RUNTIME_DIR=${CMAKE_BINARY_DIR}/runtime;CORVANE_BIN_DIR=${CMAKE_BINARY_DIR}")
+        ENVIRONMENT "QT_QPA_PLATFORM=offscreen;XDG_RUNTIME_DIR=${CMAKE_BINARY_DIR}/runtime/${ARG_NAME};CORVANE_BIN_DIR=${CMAKE_BINARY_DIR}")
+    # A folder of its own: the monitor's single-instance lock lives there, and suites that
+    # start the monitor run side by side.
+    file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/runtime/${ARG_NAME})
+    file(CHMOD ${CMAKE_BINARY_DIR}/runtime/${ARG_NAME}
+         DIRECTORY_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE)
 endfunction()
 
 file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/runtime)

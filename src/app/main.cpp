@@ -1,33 +1,56 @@
 // corvane-monitor: watches the power supplies of the configured welders and logs every
-// weld they report.
+// weld they report, in the main window or, with --headless, without one.
 
-#include "shell/HeadlessOptions.h"
 #include "shell/HeadlessRunner.h"
+#include "shell/ShellSettings.h"
+#include "shell/window/DesktopProgram.h"
+#include "shell/window/ProgramVersion.h"
+#include "shell/window/SingleInstance.h"
+#include "shell/window/StartupOptions.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 
 #include <cstdio>
+#include <memory>
 
 int main(int argc, char *argv[])
 {
-    QCoreApplication app(argc, argv);
-    QCoreApplication::setApplicationName(QStringLiteral("corvane-monitor"));
+    // A headless run must not need a display, so the kind of application is chosen first.
+    const bool headless = StartupOptions::asksForHeadless(argc, argv);
+    const std::unique_ptr<QCoreApplication> app =
+        headless ? std::make_unique<QCoreApplication>(argc, argv)
+                 : std::make_unique<QApplication>(argc, argv);
+    QCoreApplication::setApplicationName(QLatin1String(ProgramVersion::kProgramName));
+    QCoreApplication::setApplicationVersion(QLatin1String(ProgramVersion::kVersion));
 
     QString error;
-    const std::optional<HeadlessOptions> options =
-        HeadlessOptions::parse(QCoreApplication::arguments(), &error);
+    const std::optional<StartupOptions> options =
+        StartupOptions::parse(QCoreApplication::arguments(), &error);
     if (!options) {
         std::fprintf(stderr, "corvane-monitor: %s\n%s", qPrintable(error),
-                     qPrintable(HeadlessOptions::usage()));
+                     qPrintable(StartupOptions::usage()));
         return 2;
     }
-    if (options->help) {
-        std::printf("%s", qPrintable(HeadlessOptions::usage()));
+    if (options->program.help) {
+        std::printf("%s", qPrintable(StartupOptions::usage()));
         return 0;
     }
-    if (!options->headless)
-        std::fprintf(stderr, "corvane-monitor: the main window is not available yet; "
-                             "running headless.\n");
-    HeadlessRunner runner(*options);
+
+    // One instance per desktop: a later start hands over to the running one and ends
+    // without a window, a file read or a message.
+    const QString title = ShellSettings::applicationTitle(*ShellSettings::openSettingsStore());
+    SingleInstance instance(title);
+    if (!instance.acquire()) {
+        instance.activateRunningInstance();
+        return 0;
+    }
+
+    if (!headless)
+        return DesktopProgram::run(*options, title, instance);
+    QObject::connect(&instance, &SingleInstance::activationRequested, [] {
+        std::fprintf(stderr, "corvane-monitor: another start asked for this instance, which "
+                             "runs headless and has no window to show.\n");
+    });
+    HeadlessRunner runner(options->program);
     return runner.exec();
 }

@@ -46,7 +46,8 @@ bool qlxLanguage::loadTable(const QString &path, QString *errorText)
         const int number = tokenNumber(line);
         if (number < 0) {
             if (errorText)
-                *errorText = QStringLiteral("%1:%2: expected NUMBER|TEXT").arg(path).arg(lineNumber);
+                *errorText =
+                    QStringLiteral("%1:%2: expected NUMBER|TEXT").arg(path).arg(lineNumber);
             return false;
         }
         m_texts.insert(number, unescape(defaultText(line)));
@@ -65,9 +66,56 @@ QString qlxLanguage::Translate(QStringView token) const
     if (number >= 0) {
         const auto found = m_texts.constFind(number);
         if (found != m_texts.constEnd())
-            return *found;
+            return inFormOf(defaultText(token), *found);
     }
     return defaultText(token).toString();
+}
+
+namespace {
+
+// The ending of a caption that belongs to its place rather than to its words: trailing
+// blanks that separate it from the words that follow, a colon before a value, or the
+// ellipsis of a command that opens a dialog. A full stop is part of the words ("k. A.").
+qsizetype endingStart(QStringView text)
+{
+    qsizetype start = text.size();
+    while (start > 0 && text[start - 1] == u' ')
+        --start;
+    const QStringView rest = text.first(start);
+    if (rest.endsWith(u"..."))
+        return start - 3;
+    if (rest.endsWith(QChar(0x2026)) || rest.endsWith(u':'))
+        return start - 1;
+    return start;
+}
+
+bool hasAccessKey(QStringView text)
+{
+    for (qsizetype i = 0; i + 1 < text.size(); ++i) {
+        if (text[i] == u'&') {
+            if (text[i + 1] != u'&')
+                return true;
+            ++i;
+        }
+    }
+    return false;
+}
+
+} // namespace
+
+QString qlxLanguage::inFormOf(QStringView defaultText, QStringView tableText)
+{
+    QString result = tableText.first(endingStart(tableText)).toString();
+    if (!hasAccessKey(defaultText)) {
+        for (qsizetype i = 0; i < result.size(); ++i) {
+            if (result[i] == u'&' && i + 1 < result.size() && result[i + 1] != u'&')
+                result.remove(i, 1);
+            else if (result[i] == u'&')
+                ++i;
+        }
+    }
+    result += defaultText.sliced(endingStart(defaultText));
+    return result;
 }
 
 int qlxLanguage::tokenNumber(QStringView token)

@@ -1,0 +1,55 @@
+#include "DesktopProgram.h"
+
+#include "DesktopServices.h"
+#include "SingleInstance.h"
+#include "StartupOptions.h"
+#include "dlgMain.h"
+
+#include "platform/ErrorPassing.h"
+#include "shell/TerminationSignals.h"
+
+#include <QApplication>
+#include <QLoggingCategory>
+#include <QSessionManager>
+
+Q_LOGGING_CATEGORY(lcDesktop, "corvane.desktop")
+
+namespace DesktopProgram {
+
+int run(const StartupOptions &options, const QString &applicationTitle, SingleInstance &instance)
+{
+    // The window closes into the tray; only Shut Down ends the program.
+    QApplication::setQuitOnLastWindowClosed(false);
+
+    DesktopServices services(options, applicationTitle, QCoreApplication::applicationDirPath());
+    dlgMain window(services.windowServices());
+    TerminationSignals termination;
+
+    bool started = reportFailures(services.errors(), "CorvaneUSWSupport.Main", [&] {
+        QObject::connect(&window, &dlgMain::unloaded, qApp, &QCoreApplication::quit,
+                         Qt::QueuedConnection);
+        QObject::connect(&instance, &SingleInstance::activationRequested, &window, [&window] {
+            window.restoreWindow();
+            qCInfo(lcDesktop, "Another start asked for this instance: window restored and raised");
+        });
+        // The end of the desktop session saves as Shut Down does; so does a termination
+        // request (the system shutting down, a service manager stopping the program).
+        QObject::connect(
+            qApp, &QGuiApplication::commitDataRequest, &window,
+            [&window](QSessionManager &) { window.Form_QueryUnload(dlgMain::AppWindows); });
+        QObject::connect(&termination, &TerminationSignals::terminationRequested, &window,
+                         [&window] { window.Form_QueryUnload(dlgMain::TaskManager); });
+        window.Form_Load();
+        window.show();
+    });
+    if (started && options.startCollecting)
+        window.startEveryConfiguration();
+    if (!started)
+        return 1;
+    const int status = QApplication::exec();
+    // Whatever ended the event loop, the configurations are saved once.
+    window.Form_QueryUnload(dlgMain::TaskManager);
+    return status;
+}
+
+} // namespace DesktopProgram

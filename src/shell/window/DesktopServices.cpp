@@ -1,0 +1,90 @@
+#include "DesktopServices.h"
+
+#include "InstalledFiles.h"
+#include "StartupOptions.h"
+#include "WindowMonitorSlot.h"
+
+#include "monitor/EquipmentMonitor.h"
+#include "monitor/widgets/CorvaneUsw.h"
+#include "platform/QtSerialPort.h"
+#include "platform/TcpSocketPort.h"
+#include "sampling/SamplingProperties.h"
+#include "shell/ShellSettings.h"
+
+DesktopServices::DesktopServices(const StartupOptions &options, const QString &applicationTitle,
+                                 const QString &executableFolder)
+    : m_applicationTitle(applicationTitle)
+    , m_languageTable(
+          InstalledFiles::languageTable(InstalledFiles::chosenLanguage(options.language),
+                                        InstalledFiles::folders(executableFolder)))
+    , m_debugMode(options.program.debugMode)
+    , m_settings(ShellSettings::openSettingsStore())
+    , m_programFiles(ProgramFiles::resolveDataFolder(options.program.dataFolder))
+    , m_log(m_programFiles.errorReportLogPath(), QLatin1String(ProgramFiles::kProgramBaseName),
+            m_clock, false)
+    , m_errors(m_log, applicationTitle)
+    , m_eventLog(m_programFiles.eventLogPath(), m_clock)
+    , m_database(m_errors, m_programFiles)
+    , m_fileChooser(m_messages)
+    , m_help(InstalledFiles::find(HelpModule::mapFileName(),
+                                  InstalledFiles::folders(executableFolder)))
+    , m_commands({.errors = m_errors,
+                  .messages = m_messages,
+                  .database = m_database,
+                  .fileChooser = m_fileChooser,
+                  .clock = m_clock})
+    , m_samplingDialogs{.errors = m_errors, .messages = m_messages}
+{}
+
+DesktopServices::~DesktopServices() = default;
+
+MainWindowServices DesktopServices::windowServices()
+{
+    return MainWindowServices{
+        .errors = m_errors,
+        .clock = m_clock,
+        .settings = *m_settings,
+        .applicationTitle = m_applicationTitle,
+        .dataFolder = m_programFiles.dataFolder(),
+        .languageTable = m_languageTable,
+        .makeSlot =
+            [this](int slotIndex, const ShellFiles &files, const qlxLanguage &language) {
+                return makeSlot(slotIndex, files, language);
+            },
+        .commands = m_commands,
+        .help = m_help,
+        .database = m_database,
+    };
+}
+
+MonitorSlot DesktopServices::makeSlot(int slotIndex, const ShellFiles &files,
+                                      const qlxLanguage &language)
+{
+    Q_UNUSED(slotIndex)
+    if (!m_partSelector)
+        m_partSelector = std::make_unique<WidgetPartSelector>(language, m_samplingDialogs);
+    const auto makeSampling = [this, dataFolder = files.dataFolder] {
+        return std::make_unique<SamplingProperties>(SamplingServices{
+            .errors = m_errors,
+            .clock = m_clock,
+            .support = m_database,
+            .messageBoxes = m_messages,
+            .dataFolder = dataFolder,
+            .makeDatabase = {},
+            .partSelector = m_partSelector.get(),
+        });
+    };
+    auto monitor = std::make_unique<EquipmentMonitor>(MonitorServices{
+        .errors = m_errors,
+        .eventLog = m_eventLog,
+        .clock = m_clock,
+        .measurementSystem = files.measurementSystem,
+        .debugMode = m_debugMode,
+        .makeSocket = [] { return std::make_unique<TcpSocketPort>(); },
+        .makeSerialPort = [] { return std::make_unique<QtSerialPort>(); },
+        .randomSeed = std::nullopt,
+        .makeSampling = makeSampling,
+    });
+    auto *view = new CorvaneUsw(*monitor, m_errors);
+    return {std::make_unique<WindowMonitorSlot>(std::move(monitor), view), view};
+}

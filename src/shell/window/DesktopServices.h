@@ -1,0 +1,60 @@
+#pragma once
+
+#include "DialogConfigurationCommands.h"
+#include "HelpModule.h"
+#include "MainWindowServices.h"
+
+#include "dialogs/FileDialogChooser.h"
+#include "platform/Clock.h"
+#include "platform/EventLog.h"
+#include "platform/LoggedErrorReport.h"
+#include "platform/ProgramFiles.h"
+#include "platform/widgets/ErrorWindowReport.h"
+#include "platform/widgets/WidgetMessageBoxes.h"
+#include "sampling/DatabaseSupport.h"
+#include "sampling/widgets/SamplingDialogServices.h"
+#include "sampling/widgets/WidgetPartSelector.h"
+
+#include <QString>
+
+#include <memory>
+
+class SettingsStore;
+struct StartupOptions;
+
+// The composition root of the desktop program: the real clock, settings store, error
+// report (logged and listed in a window), event log, message boxes, file chooser, help,
+// the Configure dialogs, and the maker of monitor slots that wires each equipment monitor
+// to real TCP and serial links, to SPC sampling and to its face.
+class DesktopServices
+{
+public:
+    DesktopServices(const StartupOptions &options, const QString &applicationTitle,
+                    const QString &executableFolder);
+    ~DesktopServices();
+
+    MainWindowServices windowServices();
+    ErrorReport &errors() { return m_errors; }
+
+private:
+    MonitorSlot makeSlot(int slotIndex, const ShellFiles &files, const qlxLanguage &language);
+
+    QString m_applicationTitle;
+    QString m_languageTable;
+    bool m_debugMode;
+    SystemClock m_clock;
+    std::unique_ptr<SettingsStore> m_settings;
+    ProgramFiles m_programFiles;
+    LoggedErrorReport m_log;
+    ErrorWindowReport m_errors;
+    EventLog m_eventLog;
+    DatabaseSupport m_database;
+    WidgetMessageBoxes m_messages;
+    FileDialogChooser m_fileChooser;
+    HelpModule m_help;
+    DialogConfigurationCommands m_commands;
+    SamplingDialogServices m_samplingDialogs;
+    // Made with the window's language for the first monitor; the monitors' part buttons
+    // share it.
+    std::unique_ptr<WidgetPartSelector> m_partSelector;
+};

@@ -1,0 +1,412 @@
+#include "WindowFixture.h"
+
+#include "shell/window/ProgramVersion.h"
+#include "shell/window/dlgSplash.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QDir>
+#include <QMenu>
+#include <QMenuBar>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QStackedWidget>
+#include <QSystemTrayIcon>
+#include <QTest>
+#include <QTimer>
+
+// The main window over fake monitors: tabs from the configurations file, the selection
+// rules of Remove, the enabling of the menus, hiding versus shutting down, the automatic
+// Add of a first start, the tray, help and the About box.
+class TestMainWindow : public QObject
+{
+    Q_OBJECT
+
+private:
+    std::unique_ptr<WindowFixture> m_fixture;
+
+    WindowFixture &f() { return *m_fixture; }
+
+    void writeThreeWelders()
+    {
+        f().writeConfigurations(
+            {welder("Press 1"), welder("Press 2", " Sampling=\"1\""), welder("Press 3")});
+    }
+
+    // Opens the Configuration menu as the user does, which computes its enabling.
+    static void openConfigurationMenu(dlgMain &window)
+    {
+        window.menus().mnuConfiguration->popup(QPoint(0, 0));
+        window.menus().mnuConfiguration->hide();
+    }
+
+    QWidget *shownMonitor()
+    {
+        return f()
+            .window->findChild<QStackedWidget *>(QStringLiteral("CorvaneUsw1"))
+            ->currentWidget();
+    }
+
+    static QStringList menuTree(const QList<QAction *> &actions)
+    {
+        QStringList tree;
+        for (QAction *item : actions) {
+            tree.append(item->isSeparator() ? QStringLiteral("-") : item->objectName());
+            if (item->menu())
+                tree += menuTree(item->menu()->actions());
+        }
+        return tree;
+    }
+
+private slots:
+    void init() { m_fixture = std::make_unique<WindowFixture>(); }
+    void cleanup() { m_fixture.reset(); }
+
+    void tabsFollowTheFileOrder()
+    {
+        f().writeConfigurations(
+            {welder("Press 1"), "<Notes/>", welder("Broken", " Refuse=\"1\""), welder("Press 3")});
+        dlgMain &window = f().open();
+
+        // The refused configuration has no tab; the next one takes its free slot.
+        QCOMPARE(f().tabCaptions(), (QStringList{"Press 1", "Press 3"}));
+        QCOMPARE(window.ConfigurationCount(), 2);
+        QCOMPARE(window.tabStrip()->tabData(1).toString(), QStringLiteral("key-1"));
+        QCOMPARE(window.GetTab(QString())->caption, QStringLiteral("Press 1"));
+        QCOMPARE(shownMonitor(), f().views[0]);
+        QVERIFY(!f().views[1]->isVisible());
+        QVERIFY(window.autoAddTimer() == nullptr);
+
+        // Selecting by key, and clicking a tab, shows that configuration's monitor only.
+        window.ActivateConfiguration(QStringLiteral("key-1"));
+        QCOMPARE(window.tabStrip()->currentIndex(), 1);
+        QCOMPARE(shownMonitor(), f().views[1]);
+        window.tabStrip()->setCurrentIndex(0);
+        QCOMPARE(window.configurations()->currentTab(), 0);
+        QCOMPARE(shownMonitor(), f().views[0]);
+
+        // Add makes a new slot, selects its tab and names it from Equipment Settings.
+        f().commands.names = QStringList{"Press 4"};
+        window.mnuAdd_Click();
+        QCOMPARE(f().tabCaptions(), (QStringList{"Press 1", "Press 3", "Press 4"}));
+        QCOMPARE(window.tabStrip()->currentIndex(), 2);
+        QCOMPARE(shownMonitor(), f().views[2]);
+        QCOMPARE(f().commands.calls.size(), 1);
+        QCOMPARE(f().commands.calls[0].monitor, f().monitors[2]);
+        QVERIFY(f().errors.isEmpty());
+    }
+
+    void removeSelectsTheNeighbour_data()
+    {
+        QTest::addColumn<int>("removed");
+        QTest::addColumn<QStringList>("remaining");
+        QTest::addColumn<int>("selectedSlot");
+        QTest::newRow("last: the new last") << 2 << QStringList{"Press 1", "Press 2"} << 1;
+        QTest::newRow("middle: right neighbour") << 1 << QStringList{"Press 1", "Press 3"} << 2;
+        QTest::newRow("first: right neighbour") << 0 << QStringList{"Press 2", "Press 3"} << 1;
+    }
+
+    void removeSelectsTheNeighbour()
+    {
+        QFETCH(int, removed);
+        QFETCH(QStringList, remaining);
+        QFETCH(int, selectedSlot);
+        writeThreeWelders();
+        dlgMain &window = f().open();
+        window.tabStrip()->setCurrentIndex(removed);
+        openConfigurationMenu(window);
+        window.menus().mnuRemove->trigger();
+
+        QCOMPARE(f().monitors[removed]->shutDowns, 1);
+        QCOMPARE(f().tabCaptions(), remaining);
+        QCOMPARE(window.GetTab(QString())->key, QStringLiteral("key-%1").arg(selectedSlot));
+        QCOMPARE(window.tabStrip()->tabData(window.tabStrip()->currentIndex()).toString(),
+                 QStringLiteral("key-%1").arg(selectedSlot));
+        QCOMPARE(shownMonitor(), f().views[selectedSlot]);
+    }
+
+    void removingTheOnlyConfigurationLeavesNoSelection()
+    {
+        f().writeConfigurations({welder("Solo")});
+        dlgMain &window = f().open();
+        window.mnuRemove_Click();
+        QCOMPARE(window.tabStrip()->count(), 0);
+        QVERIFY(window.GetTab(QString()) == nullptr);
+        QCOMPARE(shownMonitor()->objectName(), QStringLiteral("lblNoConfiguration"));
+        // The file keeps it until the next Shut Down.
+        QVERIFY(f().readConfigurations().contains("Solo"));
+        window.mnuSettings_Click();
+        QVERIFY(f().commands.calls.isEmpty());
+    }
+
+    void configurationMenuFollowsTheSelectedMonitor()
+    {
+        writeThreeWelders();
+        dlgMain &window = f().open();
+        const MainMenus &menus = window.menus();
+        const auto enabled = [&] {
+            QList<bool> states;
+            for (QAction *item : {menus.mnuRemove, menus.mnuSettings, menus.mnuDataLogging,
+                                  menus.mnuSPCSampling, menus.mnuAboutApp, menus.mnuAboutDB})
+                states.append(item->isEnabled());
+            return states;
+        };
+        using States = QList<bool>;
+
+        openConfigurationMenu(window);
+        QCOMPARE(enabled(), (States{true, true, true, true, true, false}));
+        QCOMPARE(menus.mnuStartStop->text(), QStringLiteral("&Start"));
+
+        // A configuration that collects keeps its settings until it is stopped; the
+        // enabling follows when the menu opens again.
+        menus.mnuStartStop->trigger();
+        QCOMPARE(f().monitors[0]->DriverState(), 2);
+        openConfigurationMenu(window);
+        QCOMPARE(enabled(), (States{false, false, false, false, false, false}));
+        QCOMPARE(menus.mnuStartStop->text(), QStringLiteral("&Stop"));
+
+        // The second welder is idle and samples into the SPC database.
+        window.tabStrip()->setCurrentIndex(1);
+        openConfigurationMenu(window);
+        QCOMPARE(enabled(), (States{true, true, true, true, true, true}));
+
+        // The commands reach the selected monitor, with the window as the dialogs' parent;
+        // a cancelled Equipment Settings leaves the caption.
+        menus.mnuSettings->trigger();
+        menus.mnuDataLogging->trigger();
+        menus.mnuSPCSampling->trigger();
+        QStringList commands;
+        for (const ScriptedCommands::Call &call : f().commands.calls) {
+            QCOMPARE(call.monitor, f().monitors[1]);
+            QCOMPARE(call.parent, &window);
+            commands.append(call.command);
+        }
+        QCOMPARE(commands, (QStringList{"equipment", "data logging", "sampling"}));
+        QCOMPARE(f().tabCaptions()[1], QStringLiteral("Press 2"));
+
+        window.configurations()->setCurrentTab(-1);
+        openConfigurationMenu(window);
+        QCOMPARE(enabled(), (States{false, false, false, false, false, false}));
+        QVERIFY(!menus.mnuStartStop->isEnabled());
+        QVERIFY(f().errors.isEmpty());
+    }
+
+    void closeBoxHidesAndOnlyShutDownSaves()
+    {
+        // Hand-written with line breaks: the saved compact form differs, so the save at
+        // Shut Down writes the file and leaves its dated copy.
+        const QByteArray handWritten =
+            "<Configurations>\n  " + welder("Press 1").toUtf8() + "\n</Configurations>\n";
+        WindowFixture::write(f().path(QStringLiteral("corvane-monitor.cfg")), handWritten);
+        dlgMain &window = f().open();
+        QSignalSpy unloaded(&window, &dlgMain::unloaded);
+        const auto datedCopies = [this] {
+            return QDir(f().folder.path()).entryList({QStringLiteral("corvane-monitor.cfg_*")});
+        };
+
+        QVERIFY(!window.close());
+        QVERIFY(!window.isVisible());
+        emit window.trayIcon()->activated(QSystemTrayIcon::Trigger);
+        QVERIFY(window.isVisible());
+        window.menus().mnuCloseWindow->trigger();
+        QVERIFY(!window.isVisible());
+        QCOMPARE(unloaded.count(), 0);
+        QCOMPARE(f().readConfigurations(), handWritten);
+        QVERIFY(datedCopies().isEmpty());
+        QCOMPARE(f().monitors[0]->shutDowns, 0);
+
+        window.menus().mnuShutDown2->trigger();
+        QCOMPARE(unloaded.count(), 1);
+        QCOMPARE(f().readConfigurations(),
+                 "<Configurations>" + welder("Press 1").toUtf8() + "</Configurations>");
+        QCOMPARE(datedCopies(), QStringList{"corvane-monitor.cfg_261114220509"});
+        QCOMPARE(f().monitors[0]->shutDowns, 1);
+
+        // The end of the session after Shut Down does nothing more.
+        QVERIFY(!window.Form_QueryUnload(dlgMain::AppWindows));
+        QCOMPARE(unloaded.count(), 1);
+        QCOMPARE(f().monitors[0]->shutDowns, 1);
+    }
+
+    void saveFailureIsReportedAndTheProgramStillEnds()
+    {
+        // An administrator moved the file into a folder that does not exist.
+        WindowFixture::write(f().path(QStringLiteral("settings.ini")),
+                             "[corvane-monitor]\nFile=" +
+                                 f().path(QStringLiteral("gone/welders.cfg")).toUtf8());
+        dlgMain &window = f().open();
+        QCOMPARE(f().errors.count(), 1);
+        QCOMPARE(f().errors.last().location, QStringLiteral("dlgMain.Form_Load"));
+        // A file that could not be read is no first start.
+        QVERIFY(window.autoAddTimer() == nullptr);
+
+        window.mnuAdd_Click();
+        QSignalSpy unloaded(&window, &dlgMain::unloaded);
+        window.mnuShutDown_Click();
+        QCOMPARE(f().errors.count(), 2);
+        QCOMPARE(f().errors.last().location, QStringLiteral("dlgMain.Form_QueryUnload"));
+        QCOMPARE(unloaded.count(), 1);
+        QCOMPARE(f().monitors[0]->shutDowns, 1);
+    }
+
+    void firstStartAddsAfterOneSecond()
+    {
+        f().commands.names = QStringList{"Press 1"};
+        dlgMain &window = f().open();
+        QTimer *autoAdd = window.autoAddTimer();
+        QVERIFY(autoAdd && autoAdd->isActive() && autoAdd->isSingleShot());
+        QCOMPARE(autoAdd->interval(), 1000);
+        QCOMPARE(window.ConfigurationCount(), 0);
+
+        QTRY_COMPARE_WITH_TIMEOUT(window.ConfigurationCount(), 1, 5000);
+        QCOMPARE(f().commands.calls.size(), 1);
+        QCOMPARE(f().tabCaptions(), QStringList{"Press 1"});
+        QCOMPARE(shownMonitor(), f().views[0]);
+        QTest::qWait(1200);
+        QCOMPARE(f().commands.calls.size(), 1);
+        window.mnuShutDown_Click();
+        QVERIFY(f().readConfigurations().contains("Press 1"));
+    }
+
+    void startWithConfigurationsOrRefusalAddsNothing()
+    {
+        writeThreeWelders();
+        dlgMain &window = f().open();
+        QVERIFY(window.autoAddTimer() == nullptr);
+        QTest::qWait(1300);
+        QCOMPARE(window.ConfigurationCount(), 3);
+        QVERIFY(f().commands.calls.isEmpty());
+
+        // A configuration the monitor refuses gets no tab and no dialog.
+        for (FakeMonitor *monitor : f().monitors)
+            monitor->refuseAll = true;
+        window.mnuRemove_Click();
+        window.mnuAdd_Click();
+        QCOMPARE(window.ConfigurationCount(), 2);
+        QVERIFY(f().commands.calls.isEmpty());
+    }
+
+    void trayAndRestore()
+    {
+        dlgMain &window = f().open();
+        QSystemTrayIcon *tray = window.trayIcon();
+        QVERIFY(tray->isVisible());
+        QVERIFY(!tray->icon().pixmap(16, 16).isNull());
+        QCOMPARE(tray->toolTip(), QLatin1String(WindowFixture::kTitle));
+        QCOMPARE(window.windowTitle(), QLatin1String(WindowFixture::kTitle));
+        QCOMPARE(tray->contextMenu(), window.menus().mnuPopup);
+
+        window.showMinimized();
+        window.restoreWindow();
+        QVERIFY(window.isVisible() && !window.isMinimized());
+        window.hide();
+        window.menus().mnuOpenWindow->trigger();
+        QVERIFY(window.isVisible());
+    }
+
+    void menusInBothLanguages_data()
+    {
+        QTest::addColumn<QString>("table");
+        QTest::addColumn<QStringList>("captions");
+        QTest::newRow("built-in") << QString()
+                                  << QStringList{"&File", "&Configuration", "&Help",
+                                                 "Shut &Down..."};
+        QTest::newRow("German") << QStringLiteral(CORVANE_SOURCE_DIR
+                                                  "/translations/corvane-monitor.de.lang")
+                                << QStringList{"&Datei", "&Konfiguration", "&Hilfe", "&Beenden..."};
+    }
+
+    void menusInBothLanguages()
+    {
+        QFETCH(QString, table);
+        QFETCH(QStringList, captions);
+        f().languageTable = table;
+        dlgMain &window = f().open();
+        const MainMenus &menus = window.menus();
+        QCOMPARE((QStringList{menus.mnuFile->title(), menus.mnuConfiguration->title(),
+                              menus.mnuHelp->title(), menus.mnuShutDown->text()}),
+                 captions);
+        QCOMPARE(menuTree(window.menuBar()->actions()), (QStringList{"",
+                                                                     "mnuCloseWindow",
+                                                                     "-",
+                                                                     "mnuShutDown",
+                                                                     "",
+                                                                     "mnuAdd",
+                                                                     "mnuRemove",
+                                                                     "-",
+                                                                     "mnuSettings",
+                                                                     "-",
+                                                                     "mnuDataLogging",
+                                                                     "-",
+                                                                     "mnuSPCSampling",
+                                                                     "-",
+                                                                     "mnuStartStop",
+                                                                     "",
+                                                                     "mnuContents",
+                                                                     "mnuGettingStarted",
+                                                                     "-",
+                                                                     "mnuAboutApp",
+                                                                     "mnuAboutDB"}));
+        QCOMPARE(menuTree(menus.mnuPopup->actions()),
+                 (QStringList{"mnuOpenWindow", "-", "mnuViewErrorLog", "-", "mnuShutDown2"}));
+        QCOMPARE(menus.mnuStartStop->shortcut(), QKeySequence(Qt::Key_F5));
+        QVERIFY(f().errors.isEmpty());
+    }
+
+    void helpLogAndAbout()
+    {
+        WindowFixture::write(f().path(QStringLiteral("settings.ini")),
+                             "[Corvane]\nBuild_Number=2026.11-7\n");
+        f().languageTable =
+            QStringLiteral(CORVANE_SOURCE_DIR "/translations/corvane-monitor.de.lang");
+        f().writeConfigurations({welder("Press 1")});
+        dlgMain &window = f().open();
+
+        window.menus().mnuContents->trigger();
+        window.menus().mnuGettingStarted->trigger();
+        QCOMPARE(f().helpPages.size(), 2);
+        QCOMPARE(f().helpPages[0].fileName(), QStringLiteral("contents.html"));
+        QCOMPARE(f().helpPages[1].fileName(), QStringLiteral("getting-started.html"));
+        window.menus().mnuViewErrorLog->trigger();
+        QCOMPARE(f().viewerCommands.size(), 1);
+        const DatabaseSupport::ViewerCommand &viewer = f().viewerCommands[0];
+        QVERIFY((viewer.arguments.join(u' ') + viewer.nativeArguments)
+                    .contains(f().path(QStringLiteral("corvane-monitor.log"))));
+
+        // The About box is modal: it is read and closed with its own button.
+        QStringList seen;
+        QTimer::singleShot(0, this, [&seen] {
+            QWidget *about = QApplication::activeModalWidget();
+            for (const char *name : {"lblVersion", "lblProductName", "lblCopyright"})
+                seen.append(about->findChild<QLabel *>(QLatin1String(name))->text());
+            seen.append(about->windowTitle());
+            about->findChild<QPushButton *>(QStringLiteral("bnClose"))->click();
+        });
+        window.menus().mnuAboutApp->trigger();
+        QCOMPARE(seen, (QStringList{"2026.11-7",
+                                    QStringLiteral("Corvane Ostrel ") +
+                                        QLatin1String(ProgramVersion::kVersion),
+                                    QString::fromUtf8(ProgramVersion::kCopyright),
+                                    QStringLiteral("Über das Programm")}));
+        QVERIFY(f().errors.isEmpty());
+
+        // Help without its map: the command reports under its own name.
+        HelpModule missing(f().path(QStringLiteral("absent.Help.Map")));
+        std::swap(f().help, missing);
+        window.mnuGettingStarted_Click();
+        QCOMPARE(f().errors.count(), 1);
+        QCOMPARE(f().errors.last().location, QStringLiteral("dlgMain.mnuGettingStarted_Click"));
+        QVERIFY(f().errors.last().source.startsWith(QLatin1String("HelpModule.")));
+    }
+
+    void aboutBoxWithoutBuildNumber()
+    {
+        dlgSplash about(f().settings);
+        about.Form_Load();
+        QCOMPARE(about.lblVersion->text(), QStringLiteral("----"));
+        QCOMPARE(about.lblPoweredBy->text(), QStringLiteral("Powered by Meridal"));
+    }
+};
+
+QTEST_MAIN(TestMainWindow)
+#include "tst_mainwindow.moc"

@@ -1,0 +1,139 @@
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <csignal>
+
+// One instance per desktop user, between real corvane-monitor processes (headless and
+// with a window) that share a private runtime folder.
+class TestSingleInstance : public QObject
+{
+    Q_OBJECT
+
+private:
+    QTemporaryDir m_runtime;
+    QTemporaryDir m_folder;
+
+    QProcessEnvironment environment() const
+    {
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        env.remove(QStringLiteral("CORVANE_DATA_DIR"));
+        env.insert(QStringLiteral("XDG_RUNTIME_DIR"), m_runtime.path());
+        env.insert(QStringLiteral("TMPDIR"), m_runtime.path());
+        env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+        env.insert(QStringLiteral("CORVANE_SETTINGS_FILE"),
+                   m_folder.filePath(QStringLiteral("settings.ini")));
+        return env;
+    }
+
+    QString dataFolder(const QString &name) const { return m_folder.filePath(name); }
+
+    void start(QProcess &process, const QStringList &arguments)
+    {
+        process.setProcessEnvironment(environment());
+        process.start(QStringLiteral(CORVANE_MONITOR_EXE), arguments);
+        QVERIFY(process.waitForStarted(5000));
+    }
+
+    static bool stderrContains(QProcess &process, QByteArray &seen, const char *text)
+    {
+        seen += process.readAllStandardError();
+        return seen.contains(text);
+    }
+
+    // A second start: it must end at once with status 0 and touch nothing of its own.
+    void secondStartHandsOver(const QStringList &arguments)
+    {
+        const QString untouched = dataFolder(QStringLiteral("second"));
+        QProcess second;
+        start(second, QStringList(arguments) << QStringLiteral("--data-dir") << untouched);
+        QVERIFY2(second.waitForFinished(10000), "the second start did not end");
+        QCOMPARE(second.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(second.exitCode(), 0);
+        QVERIFY2(!QFileInfo::exists(untouched), "the second start made its data folder");
+    }
+
+    static void endCleanly(QProcess &process)
+    {
+        ::kill(pid_t(process.processId()), SIGTERM);
+        QVERIFY(process.waitForFinished(10000));
+        QCOMPARE(process.exitCode(), 0);
+    }
+
+private slots:
+    void cleanup()
+    {
+        QDir(dataFolder(QStringLiteral("first"))).removeRecursively();
+        QDir(dataFolder(QStringLiteral("second"))).removeRecursively();
+    }
+
+    void secondStartWhileHeadlessEndsQuietly()
+    {
+        QProcess first;
+        start(first, {QStringLiteral("--headless"), QStringLiteral("--data-dir"),
+                      dataFolder(QStringLiteral("first"))});
+        QByteArray firstErrors;
+        QTRY_VERIFY_WITH_TIMEOUT(stderrContains(first, firstErrors, "watching"), 10000);
+
+        secondStartHandsOver({QStringLiteral("--headless")});
+        QTRY_VERIFY_WITH_TIMEOUT(stderrContains(first, firstErrors, "another start asked"), 5000);
+        // A window start hands over to a headless instance just the same.
+        secondStartHandsOver({});
+        QCOMPARE(first.state(), QProcess::Running);
+        endCleanly(first);
+    }
+
+    void secondStartRaisesTheWindow()
+    {
+        const QString folder = dataFolder(QStringLiteral("first"));
+        QVERIFY(QDir().mkpath(folder));
+        // One welder, so that no Equipment Settings opens by itself.
+        QFile configurations(QDir(folder).filePath(QStringLiteral("corvane-monitor.cfg")));
+        QVERIFY(configurations.open(QIODevice::WriteOnly));
+        configurations.write("<Configurations><Configuration><Equipment Name=\"Press 1\" "
+                             "Settings=\"IP:127.0.0.1:9\"/></Configuration></Configurations>");
+        configurations.close();
+
+        QProcess first;
+        start(first, {QStringLiteral("--data-dir"), folder});
+        QByteArray firstErrors;
+        secondStartHandsOver({});
+        QTRY_VERIFY_WITH_TIMEOUT(stderrContains(first, firstErrors, "window restored and raised"),
+                                 5000);
+        secondStartHandsOver({QStringLiteral("--headless")});
+        QTRY_COMPARE_WITH_TIMEOUT(
+            (firstErrors += first.readAllStandardError()).count("window restored and raised"), 2,
+            5000);
+
+        // A termination request saves as Shut Down does.
+        endCleanly(first);
+        firstErrors += first.readAllStandardError();
+        QVERIFY2(!firstErrors.contains("rror"), firstErrors.constData());
+        QVERIFY(!QDir(folder).entryList({QStringLiteral("corvane-monitor.cfg_*")}).isEmpty());
+    }
+
+    void deadInstanceLeavesNoLock()
+    {
+        QProcess first;
+        start(first, {QStringLiteral("--headless"), QStringLiteral("--data-dir"),
+                      dataFolder(QStringLiteral("first"))});
+        QByteArray errors;
+        QTRY_VERIFY_WITH_TIMEOUT(stderrContains(first, errors, "watching"), 10000);
+        first.kill();
+        QVERIFY(first.waitForFinished(5000));
+
+        // The lock and the socket of the killed instance are left behind; the next start
+        // takes over anyway.
+        QProcess next;
+        start(next, {QStringLiteral("--headless"), QStringLiteral("--data-dir"),
+                     dataFolder(QStringLiteral("first"))});
+        QByteArray nextErrors;
+        QTRY_VERIFY_WITH_TIMEOUT(stderrContains(next, nextErrors, "watching"), 10000);
+        endCleanly(next);
+    }
+};
+
+QTEST_GUILESS_MAIN(TestSingleInstance)
+#include "tst_singleinstance.moc"
