@@ -9,7 +9,11 @@ endif()
 
 # Warnings are errors on our own code; third-party headers come in as system headers.
 function(corvane_target_warnings target)
-    target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Werror)
+    if(MSVC)
+        target_compile_options(${target} PRIVATE /W4 /WX)
+    else()
+        target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Werror)
+    endif()
 endfunction()
 
 # A static library of one layer.

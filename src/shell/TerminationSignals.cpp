@@ -2,6 +2,59 @@
 
 #include <QSocketNotifier>
 
+#ifdef Q_OS_WIN
+
+#include <QMetaObject>
+#include <QPointer>
+
+#include <csignal>
+#include <windows.h>
+
+// Windows has no SIGTERM for a console program: Ctrl+C, Ctrl+Break, closing the console
+// and the end of the session arrive as console control events, on a thread of their
+// own. The handler queues the request to the event loop; for a close or the end of the
+// session it then waits a little, because the system ends the process as soon as the
+// handler returns.
+namespace {
+
+QPointer<TerminationSignals> g_instance;
+
+BOOL WINAPI onConsoleControl(DWORD event)
+{
+    const int signalNumber = event == CTRL_C_EVENT ? SIGINT : SIGTERM;
+    if (TerminationSignals *instance = g_instance.data()) {
+        QMetaObject::invokeMethod(
+            instance, [instance, signalNumber] { emit instance->terminationRequested(signalNumber); },
+            Qt::QueuedConnection);
+    }
+    if (event == CTRL_CLOSE_EVENT || event == CTRL_LOGOFF_EVENT || event == CTRL_SHUTDOWN_EVENT)
+        ::Sleep(4000);
+    return TRUE;
+}
+
+} // namespace
+
+TerminationSignals::TerminationSignals(QObject *parent)
+    : QObject(parent)
+{
+    if (g_instance)
+        return;
+    g_instance = this;
+    m_active = ::SetConsoleCtrlHandler(onConsoleControl, TRUE) != 0;
+}
+
+TerminationSignals::~TerminationSignals()
+{
+    if (!m_active)
+        return;
+    ::SetConsoleCtrlHandler(onConsoleControl, FALSE);
+    g_instance = nullptr;
+}
+
+void TerminationSignals::readSignal() {}
+
+#else
+
 #include <array>
 #include <cerrno>
 #include <csignal>
@@ -66,3 +119,5 @@ void TerminationSignals::readSignal()
     while (::read(g_signalSockets[1], &byte, 1) == 1)
         emit terminationRequested(int(byte));
 }
+
+#endif

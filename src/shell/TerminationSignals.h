@@ -4,7 +4,8 @@
 
 class QSocketNotifier;
 
-// Turns SIGINT and SIGTERM into a Qt signal on the event loop. The signal handler only
+// Turns SIGINT and SIGTERM (on Windows: the console's control events) into a Qt signal
+// on the event loop. The signal handler only
 // writes the signal's number into a socket pair (a write is all that is safe there); a
 // socket notifier on the other end reads it back in the event loop, where the program
 // can stop its monitors and save its configurations. One instance at a time; the
