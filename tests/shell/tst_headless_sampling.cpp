@@ -138,10 +138,46 @@ private:
         return rows;
     }
 
+    // A database of its own on the plant-wide test server, so that no other suite's
+    // parts and subgroups mix with this one's.
+    static QString freshServerDatabase(const QString &serverDsn)
+    {
+        const QString name =
+            QStringLiteral("corvane_headless_%1").arg(QCoreApplication::applicationPid());
+        for (const QString &command :
+             {QStringLiteral("DROP DATABASE IF EXISTS %1"), QStringLiteral("CREATE DATABASE %1")}) {
+            QProcess psql;
+            psql.start(QStringLiteral("psql"),
+                       {serverDsn, "-v", "ON_ERROR_STOP=1", "-q", "-c", command.arg(name)});
+            if (!psql.waitForFinished(20000) || psql.exitCode() != 0) {
+                qWarning() << psql.readAllStandardError();
+                return {};
+            }
+        }
+        return serverDsn.left(serverDsn.lastIndexOf(u'/') + 1) + name;
+    }
+
 private slots:
+    void subgroupsHoldTheWeldsOfTheDataLog_data()
+    {
+        QTest::addColumn<bool>("plantServer");
+        QTest::newRow("SQLite file") << false;
+        QTest::newRow("PostgreSQL server") << true;
+    }
+
     void subgroupsHoldTheWeldsOfTheDataLog()
     {
-        m_dsn = m_folder.filePath(QStringLiteral("plant.db"));
+        QFETCH(bool, plantServer);
+        if (plantServer) {
+            const QString server = qEnvironmentVariable("CORVANE_TEST_PG_DSN");
+            if (server.isEmpty())
+                QSKIP("CORVANE_TEST_PG_DSN is not set: run under scripts/with-postgres.sh");
+            m_dsn = freshServerDatabase(server);
+            QVERIFY2(!m_dsn.isEmpty(), "could not create a database on the test server");
+        } else {
+            m_dsn = m_folder.filePath(QStringLiteral("plant.db"));
+        }
+        QFile::remove(m_folder.filePath(QStringLiteral("corvane-monitor.cfg")));
         QVERIFY(spc({"init"}));
         QVERIFY(spc({"add-part", "Housing"}));
         QVERIFY(spc({"add-process", "Seal weld"}));
@@ -162,6 +198,7 @@ private slots:
 
         // Periods of two seconds, each far shorter than a subgroup of 50 welds.
         const QString dataLog = m_folder.filePath(QStringLiteral("press 1.txt"));
+        QFile::remove(dataLog);
         QFile configurations(m_folder.filePath(QStringLiteral("corvane-monitor.cfg")));
         QVERIFY(configurations.open(QIODevice::WriteOnly));
         configurations.write(
