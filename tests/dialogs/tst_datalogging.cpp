@@ -145,26 +145,6 @@ private slots:
         QVERIFY(fixture.chooser.requests.isEmpty());
     }
 
-    void okWithoutChangeAndCancelWriteNothing()
-    {
-        DialogFixture fixture;
-        const QString path = m_folder.filePath(QStringLiteral("same.txt"));
-        dlgDataLogging unchanged(fixture.language, fixture.services());
-        unchanged.setDataLogging(true, path);
-        unchanged.show();
-        click(&unchanged, "OKButton");
-        QVERIFY(unchanged.isAccepted() && !unchanged.changed());
-
-        dlgDataLogging cancelled(fixture.language, fixture.services());
-        cancelled.setDataLogging(true, path);
-        cancelled.show();
-        tick(&cancelled, "chkEnabled");
-        click(&cancelled, "CancelButton");
-        QVERIFY(!cancelled.isVisible());
-        QVERIFY(!cancelled.isAccepted() && !cancelled.changed());
-        QVERIFY(cancelled.dataLoggingEnabled());
-    }
-
 private:
     QTemporaryDir m_folder;
 };

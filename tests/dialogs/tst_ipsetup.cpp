@@ -44,13 +44,12 @@ private slots:
     {
         QTest::addColumn<QString>("settings");
         QTest::addColumn<QString>("shows");
-        QTest::newRow("serial") << "COM:3,9600,E,8,1,2"
-                                << "3|9600|E (Even)|8|1|CTS/RTS";
+        QTest::newRow("serial") << QString("COM:3,9600,E,8,1,2")
+                                << QString("3|9600|E (Even)|8|1|CTS/RTS");
         QTest::newRow("serial device by path, both flow controls")
-            << "COM:/dev/ttyUSB7,256000,S,7,1.5,3"
-            << "/dev/ttyUSB7|256000|S (Space)|7|1.5|CTS/RTS + XON/XOFF";
-        QTest::newRow("TCP/IP") << "IP:plc1:502"
-                                << "plc1|502";
+            << QString("COM:/dev/ttyUSB7,256000,S,7,1.5,3")
+            << QString("/dev/ttyUSB7|256000|S (Space)|7|1.5|CTS/RTS + XON/XOFF");
+        QTest::newRow("TCP/IP") << QString("IP:plc1:502") << QString("plc1|502");
     }
 
     void settingsTextRoundTrips()
@@ -100,22 +99,14 @@ private slots:
         QTest::addColumn<QString>("message");
         const QString address("Invalid Value: IP Address\r\nExample: 192.169.4.3");
         const QString port("Invalid Value: IP Port\r\nExample: 1000");
-        QTest::newRow("empty host") << "IP:plc1:502"
-                                    << "txtHost"
-                                    << "" << address;
-        QTest::newRow("host with a colon") << "IP:plc1:502"
-                                           << "txtHost"
-                                           << "plc:1" << address;
-        QTest::newRow("port abc") << "IP:plc1:502"
-                                  << "txtPort"
-                                  << "abc" << port;
-        QTest::newRow("port beyond 65535") << "IP:plc1:502"
-                                           << "txtPort"
-                                           << "70000" << port;
-        QTest::newRow("empty COM port") << "COM:3,9600,E,8,1,2"
-                                        << "cmboComPort"
-                                        << ""
-                                        << "Invalid Value: COM Port\r\nExample: 1";
+        const QString tcp("IP:plc1:502"), host("txtHost"), portField("txtPort");
+        QTest::newRow("empty host") << tcp << host << QString() << address;
+        QTest::newRow("host with a colon") << tcp << host << QString("plc:1") << address;
+        QTest::newRow("port abc") << tcp << portField << QString("abc") << port;
+        QTest::newRow("port beyond 65535") << tcp << portField << QString("70000") << port;
+        QTest::newRow("empty COM port")
+            << QString("COM:3,9600,E,8,1,2") << QString("cmboComPort") << QString()
+            << QString("Invalid Value: COM Port\r\nExample: 1");
     }
 
     void invalidInputKeepsTheDialogOpen()

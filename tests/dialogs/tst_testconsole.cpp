@@ -26,47 +26,27 @@ constexpr int kWaitMs = 10000;
 const QString kDashes(32, u'-');
 
 // The decoded dump of SampleWelds::record(15) in the metric system, worked out by hand
-// from the values the record was built with and the wire's scale factors.
-const QStringList kRecord15 = {
-    kDashes,
-    "    Cycle Count: 15",
-    "    Hour: 22",
-    "    Minute: 5",
-    "    Second: 15",
-    "    Year: 2026",
-    "    Month: 11",
-    "    Day: 14",
-    "    Weld Time: 0.251",
-    "    Energy: 120.4",
-    "    Distance: 31.3944",
-    "    Weld Collapse: 1.016",
-    "    Total Collapse: 1.0922",
-    "    Start Frequency: 19950",
-    "    End Frequency: 19910",
-    "    Frequency Change: -40",
-    "    Frequency Minimum: 19900",
-    "    Frequency Maximum: 19960",
-    "    Velocity: 1270",
-    "    Trigger Distance: 27.94",
-    "    Reject Part Alarms: 262144",
-    "    Suspect Part Alarms: 0",
-    "    No Cycle Alarms: 0",
-    "    Overload Alarms: 0",
-    "    Equipment Failure Alarms: 0",
-    "    Cycle Modified Alarms: 80",
-    "    Preset #: 3",
-    "    Note Alarms: 0",
-    "    Amplitude A: 80",
-    "    Amplitude B: 60",
-    "    Mode: 3",
-    "    PS Control Flags: 33",
-    "    Peak Power: 45.5",
-    "    Weld Pressure: -213.59",
-    "    Weld Force: -4.448222",
-    "    Hold Force: 400.33998",
-    "    Total Cycle Time: 0.85",
-    "    Trigger Force: 88.96444",
-};
+// from the values the record was built with and the wire's scale factors. The sample box
+// shows a line of dashes, then each field (here separated by ';') indented by four blanks.
+const QString kRecord15Fields =
+    "Cycle Count: 15;Hour: 22;Minute: 5;Second: 15;Year: 2026;Month: 11;Day: 14;"
+    "Weld Time: 0.251;Energy: 120.4;Distance: 31.3944;Weld Collapse: 1.016;"
+    "Total Collapse: 1.0922;Start Frequency: 19950;End Frequency: 19910;"
+    "Frequency Change: -40;Frequency Minimum: 19900;Frequency Maximum: 19960;"
+    "Velocity: 1270;Trigger Distance: 27.94;Reject Part Alarms: 262144;"
+    "Suspect Part Alarms: 0;No Cycle Alarms: 0;Overload Alarms: 0;"
+    "Equipment Failure Alarms: 0;Cycle Modified Alarms: 80;Preset #: 3;Note Alarms: 0;"
+    "Amplitude A: 80;Amplitude B: 60;Mode: 3;PS Control Flags: 33;Peak Power: 45.5;"
+    "Weld Pressure: -213.59;Weld Force: -4.448222;Hold Force: 400.33998;"
+    "Total Cycle Time: 0.85;Trigger Force: 88.96444";
+
+QStringList record15()
+{
+    QStringList lines{kDashes};
+    for (const QString &field : kRecord15Fields.split(u';'))
+        lines.append(QStringLiteral("    ") + field);
+    return lines;
+}
 
 QByteArray frame(qint32 cycle)
 {
@@ -106,6 +86,34 @@ struct FarEnd
     QTcpServer server;
     QTcpSocket *peer = nullptr;
     PseudoTerminal cable;
+};
+
+// The communications setup dialog with its services, set to reach a far end.
+struct Console
+{
+    explicit Console(bool serial = false)
+        : far(std::make_unique<FarEnd>(serial))
+        , dialog(fixture.language, fixture.services())
+    {
+        dialog.RefreshSettings(far->settings());
+        dialog.show();
+    }
+    // Presses Start and waits until the link reaches the far end.
+    bool start()
+    {
+        click(&dialog, "bnStartStop");
+        return far->attached();
+    }
+    // A fresh far end for the next start.
+    void replaceFarEnd()
+    {
+        far = std::make_unique<FarEnd>();
+        dialog.RefreshSettings(far->settings());
+    }
+
+    DialogFixture fixture;
+    std::unique_ptr<FarEnd> far;
+    dlgIPSetup dialog;
 };
 
 // The sample box's decoded entries, each split into its lines.
@@ -166,86 +174,76 @@ private slots:
     void halfFrameWaitsForItsRest()
     {
         QFETCH(QString, transport);
-        DialogFixture fixture;
-        const auto far = std::make_unique<FarEnd>(transport == u"serial");
-        dlgIPSetup dialog(fixture.language, fixture.services());
-        dialog.RefreshSettings(far->settings());
-        dialog.show();
-        click(&dialog, "bnStartStop");
-        QVERIFY(far->attached());
+        Console console(transport == u"serial");
+        dlgIPSetup &dialog = console.dialog;
+        QVERIFY(console.start());
         QTRY_COMPARE(status(dialog), QStringLiteral("Connected"));
         QCOMPARE(control<QPushButton>(&dialog, "bnStartStop")->text(), QStringLiteral("&Stop"));
 
         const QByteArray bytes = frame(15);
-        far->send(bytes.first(60));
+        console.far->send(bytes.first(60));
         QTRY_COMPARE_WITH_TIMEOUT(dialog.receiveBuffer().size(), 60, kWaitMs);
         QCOMPARE(sample(dialog), QString());
 
         // The rest of the frame and the one byte behind it that marks it complete.
-        far->send(bytes.sliced(60) + QByteArray(1, '\x55'));
+        console.far->send(bytes.sliced(60) + QByteArray(1, '\x55'));
         QTRY_VERIFY_WITH_TIMEOUT(!sample(dialog).isEmpty(), kWaitMs);
-        QCOMPARE(sample(dialog).split(u'\n', Qt::SkipEmptyParts), kRecord15);
+        QCOMPARE(sample(dialog).split(u'\n', Qt::SkipEmptyParts), record15());
         QCOMPARE(dialog.receiveBuffer().size(), 0);
-        QVERIFY(fixture.errors.isEmpty());
+        QVERIFY(console.fixture.errors.isEmpty());
     }
 
     void consoleKeepsGoingPastBadInput()
     {
-        DialogFixture fixture;
-        FarEnd far;
-        dlgIPSetup dialog(fixture.language, fixture.services());
-        dialog.RefreshSettings(far.settings());
-        dialog.show();
-        click(&dialog, "bnStartStop");
-        QVERIFY(far.attached());
+        Console console;
+        dlgIPSetup &dialog = console.dialog;
+        const RecordingErrorReport &errors = console.fixture.errors;
+        QVERIFY(console.start());
 
         // A frame with a broken end marker is reported, and the console reads on.
         QByteArray broken = frame(3);
         broken[broken.size() - 1] = '\x04';
-        far.send(broken + QByteArray(1, '\x55'));
-        QTRY_COMPARE_WITH_TIMEOUT(fixture.errors.count(), 1, kWaitMs);
-        QCOMPARE(fixture.errors.last().location, QStringLiteral("dlgIPSetup.Winsock1_DataArrival"));
-        QCOMPARE(fixture.errors.last().number, ProgramError::kProgramErrorNumber);
-        QCOMPARE(fixture.errors.last().description,
+        console.far->send(broken + QByteArray(1, '\x55'));
+        QTRY_COMPARE_WITH_TIMEOUT(errors.count(), 1, kWaitMs);
+        QCOMPARE(errors.last().location, QStringLiteral("dlgIPSetup.Winsock1_DataArrival"));
+        QCOMPARE(errors.last().number, ProgramError::kProgramErrorNumber);
+        QCOMPARE(errors.last().description,
                  QStringLiteral("Unable to resolve End of Transmission"));
-        QVERIFY(fixture.errors.last().source.contains(u"dlgIPSetup.ShowProcessedData"));
+        QVERIFY(errors.last().source.contains(u"dlgIPSetup.ShowProcessedData"));
         QCOMPARE(dialog.receiveBuffer().size(), 0);
         QCOMPARE(sample(dialog), QString());
 
         // Noise from a wrong baud rate does not pile up in front of the next frame.
-        far.send(QByteArray(5000, '\x7e'));
+        console.far->send(QByteArray(5000, '\x7e'));
         QTRY_COMPARE_WITH_TIMEOUT(dialog.receiveBuffer().size(), 0, kWaitMs);
         QTest::qWait(50);
         QCOMPARE(dialog.receiveBuffer().size(), 0);
 
         // A frame of another function is passed over; the weld record behind it in the
         // same arrival is shown.
-        far.send(Function26Frame::encodeFrame(5, QByteArray(10, '\x01')) + frame(4) + "\x55");
+        console.far->send(Function26Frame::encodeFrame(5, QByteArray(10, '\x01')) + frame(4) +
+                          "\x55");
         QTRY_COMPARE_WITH_TIMEOUT(cycleCounts(decodedEntries(sample(dialog))), QList<qint32>{4},
                                   kWaitMs);
 
         // Two records in one arrival: the console shows the first and starts afresh.
-        far.send(frame(5) + frame(6) + "\x55");
+        console.far->send(frame(5) + frame(6) + "\x55");
         QTRY_COMPARE_WITH_TIMEOUT(cycleCounts(decodedEntries(sample(dialog))),
                                   (QList<qint32>{4, 5}), kWaitMs);
         QCOMPARE(dialog.receiveBuffer().size(), 0);
-        QCOMPARE(fixture.errors.count(), 1);
+        QCOMPARE(errors.count(), 1);
         QVERIFY(dialog.consoleRunning());
     }
 
     void rawDataShowsEveryByteInHex()
     {
-        DialogFixture fixture;
-        FarEnd far;
-        dlgIPSetup dialog(fixture.language, fixture.services());
-        dialog.RefreshSettings(far.settings());
-        dialog.show();
+        Console console;
+        dlgIPSetup &dialog = console.dialog;
         tick(&dialog, "chkRawData");
         QVERIFY(control<QCheckBox>(&dialog, "chkRawData")->isChecked());
-        click(&dialog, "bnStartStop");
-        QVERIFY(far.attached());
+        QVERIFY(console.start());
 
-        far.send(QByteArray("\x10\x02\xab\x00\x0f", 5));
+        console.far->send(QByteArray("\x10\x02\xab\x00\x0f", 5));
         QTRY_COMPARE_WITH_TIMEOUT(sample(dialog), QStringLiteral("Length: 5\n10 02 AB 00 0F\n"),
                                   kWaitMs);
         // Raw bytes never reach the decoder.
@@ -258,8 +256,8 @@ private slots:
         QCOMPARE(sample(dialog), QString());
 
         click(&dialog, "bnErrorLog");
-        QCOMPARE(fixture.viewerCommands.size(), 1);
-        const DatabaseSupport::ViewerCommand &viewer = fixture.viewerCommands.constFirst();
+        QCOMPARE(console.fixture.viewerCommands.size(), 1);
+        const DatabaseSupport::ViewerCommand &viewer = console.fixture.viewerCommands.constFirst();
         QVERIFY((viewer.arguments + QStringList{viewer.nativeArguments})
                     .join(u' ')
                     .contains(u"/srv/Corvane/corvane-monitor.log"));
@@ -267,48 +265,44 @@ private slots:
 
     void linkEndsShowInTheStatusLine()
     {
-        DialogFixture fixture;
-        auto far = std::make_unique<FarEnd>();
-        dlgIPSetup dialog(fixture.language, fixture.services());
-        dialog.RefreshSettings(far->settings());
-        dialog.show();
+        Console console;
+        dlgIPSetup &dialog = console.dialog;
         auto *startStop = control<QPushButton>(&dialog, "bnStartStop");
+        auto *type = control<QComboBox>(&dialog, "cmboCommunicationsType");
         QCOMPARE(startStop->text(), QStringLiteral("&Start"));
         click(&dialog, "bnStartStop");
         QCOMPARE(status(dialog), QStringLiteral("Connecting..."));
-        QVERIFY(far->attached());
+        QVERIFY(console.far->attached());
         QTRY_COMPARE(status(dialog), QStringLiteral("Connected"));
-        QVERIFY(!control<QComboBox>(&dialog, "cmboCommunicationsType")->isEnabled());
+        QVERIFY(!type->isEnabled());
         // An empty settings text now stands for where the console's socket is connected.
         dialog.RefreshSettings(QString());
-        QCOMPARE(dialog.settingsText(), far->settings());
+        QCOMPARE(dialog.settingsText(), console.far->settings());
 
         // The power supply hangs up: the console is ready to start again.
-        far->peer->disconnectFromHost();
+        console.far->peer->disconnectFromHost();
         QTRY_COMPARE_WITH_TIMEOUT(status(dialog), QStringLiteral("Disconnected"), kWaitMs);
         QCOMPARE(startStop->text(), QStringLiteral("&Start"));
-        QVERIFY(control<QComboBox>(&dialog, "cmboCommunicationsType")->isEnabled());
+        QVERIFY(type->isEnabled());
 
         // Started again, stopped by the user: the far end sees the link go.
-        far = std::make_unique<FarEnd>();
-        dialog.RefreshSettings(far->settings());
-        click(&dialog, "bnStartStop");
-        QVERIFY(far->attached());
+        console.replaceFarEnd();
+        QVERIFY(console.start());
         QTRY_COMPARE(status(dialog), QStringLiteral("Connected"));
         click(&dialog, "bnStartStop");
         QCOMPARE(status(dialog), QStringLiteral("Disconnected"));
         QCOMPARE(startStop->text(), QStringLiteral("&Start"));
-        QTRY_COMPARE_WITH_TIMEOUT(far->peer->state(), QAbstractSocket::UnconnectedState, kWaitMs);
+        QTRY_COMPARE_WITH_TIMEOUT(console.far->peer->state(), QAbstractSocket::UnconnectedState,
+                                  kWaitMs);
 
         // Cancel closes a running link as well.
-        far = std::make_unique<FarEnd>();
-        dialog.RefreshSettings(far->settings());
-        click(&dialog, "bnStartStop");
-        QVERIFY(far->attached());
+        console.replaceFarEnd();
+        QVERIFY(console.start());
         click(&dialog, "CancelButton");
         QVERIFY(!dialog.isVisible() && !dialog.consoleRunning());
-        QTRY_COMPARE_WITH_TIMEOUT(far->peer->state(), QAbstractSocket::UnconnectedState, kWaitMs);
-        QVERIFY(fixture.errors.isEmpty());
+        QTRY_COMPARE_WITH_TIMEOUT(console.far->peer->state(), QAbstractSocket::UnconnectedState,
+                                  kWaitMs);
+        QVERIFY(console.fixture.errors.isEmpty());
     }
 
     void linkThatWillNotOpenSaysWhy()

@@ -4,8 +4,8 @@
 #include "MonitorFixture.h"
 #include "SampleWelds.h"
 
-#include "monitor/LinkRules.h"
 #include "platform/ProgramError.h"
+#include "platform/SerialAddress.h"
 
 #include <QSignalSpy>
 #include <QTest>
@@ -54,26 +54,6 @@ class tst_MonitorLink : public QObject
     Q_OBJECT
 
 private slots:
-    void wholeMinutes_data()
-    {
-        QTest::addColumn<QDateTime>("from");
-        QTest::addColumn<QDateTime>("to");
-        QTest::addColumn<qint64>("minutes");
-        QTest::newRow("within a minute") << at(10, 0, 0) << at(10, 0, 59) << qint64(0);
-        QTest::newRow("one second across") << at(10, 0, 59) << at(10, 1, 0) << qint64(1);
-        // 30 Dec 1899 to 14 Nov 2026 is 46340 days.
-        QTest::newRow("empty is long ago")
-            << QDateTime() << at(10, 0) << qint64(46340 * 1440 + 600);
-    }
-
-    void wholeMinutes()
-    {
-        QFETCH(QDateTime, from);
-        QFETCH(QDateTime, to);
-        QFETCH(qint64, minutes);
-        QCOMPARE(LinkRules::wholeMinutesBetween(from, to), minutes);
-    }
-
     void silentTcpLinkReconnectsAtMostOncePerMinute()
     {
         MonitorFixture f;
@@ -82,9 +62,8 @@ private slots:
         QCOMPARE(f.socket->connects.first(), qMakePair(QStringLiteral("192.0.2.5"), quint16(3001)));
 
         // Five whole minutes of silence are not yet more than five.
-        for (int second = 0; second < 60; second += 10) {
+        for (int second = 0; second < 60; second += 10)
             tickAt(f, at(10, 5, second));
-        }
         QCOMPARE(f.socket->connects.size(), 1);
 
         tickAt(f, at(10, 6, 0));
@@ -94,9 +73,8 @@ private slots:
 
         // Connected again but still silent: the next attempt waits for more than a minute.
         f.socket->accept();
-        for (int second = 0; second < 60; second += 5) {
+        for (int second = 0; second < 60; second += 5)
             tickAt(f, at(10, 7, second));
-        }
         QCOMPARE(f.socket->connects.size(), 2);
         tickAt(f, at(10, 8, 0));
         QCOMPARE(f.socket->connects.size(), 3);
@@ -189,72 +167,62 @@ private slots:
         }
     }
 
-    void addressWithoutPortNeverConnects()
+    // An address without a port never connects and says nothing; a port that is not a
+    // number is reported once, at the button press.
+    void unusableTcpAddresses()
     {
         MonitorFixture f;
         start(f, QStringLiteral("IP:192.0.2.5"));
-        QVERIFY(f.socket);
-        QVERIFY(f.socket->connects.isEmpty());
         QCOMPARE(f.monitor->DriverState(), 2);
         f.clock.advanceSeconds(3600);
         f.monitor->Timer1_Timer();
         QVERIFY(f.socket->connects.isEmpty());
         QVERIFY(f.errors.isEmpty());
-    }
 
-    void portThatIsNotANumberIsReported()
-    {
-        MonitorFixture f;
-        start(f, QStringLiteral("IP:192.0.2.5:http"));
-        QVERIFY(f.socket->connects.isEmpty());
-        QCOMPARE(f.errors.count(), 1);
-        QCOMPARE(f.errors.last().location, QStringLiteral("CorvaneUsw.bnStartStop_Click"));
-        QCOMPARE(f.errors.last().number, ProgramError::kProgramErrorNumber);
-        QVERIFY(f.errors.last().description.contains(QStringLiteral("http")));
-        QVERIFY(f.errors.last().source.startsWith(QStringLiteral("CorvaneUsw.ReconnectSocket")));
-        f.monitor->Timer1_Timer();
-        QCOMPARE(f.errors.count(), 1);
+        MonitorFixture g;
+        start(g, QStringLiteral("IP:192.0.2.5:http"));
+        g.monitor->Timer1_Timer();
+        QVERIFY(g.socket->connects.isEmpty());
+        QCOMPARE(g.errors.count(), 1);
+        const auto &error = g.errors.last();
+        QCOMPARE(error.location, QStringLiteral("CorvaneUsw.bnStartStop_Click"));
+        QCOMPARE(error.number, ProgramError::kProgramErrorNumber);
+        QVERIFY(error.description.contains(QStringLiteral("http")));
+        QVERIFY(error.source.startsWith(QStringLiteral("CorvaneUsw.ReconnectSocket")));
     }
 
     void startStopBySocketState_data()
     {
         QTest::addColumn<int>("state");
-        QTest::addColumn<QString>("action");
-        QTest::newRow("closed") << 0 << "start";
-        QTest::newRow("resolving") << 4 << "ignore";
-        QTest::newRow("connected") << 7 << "stop";
-        QTest::newRow("closing") << 8 << "start";
+        QTest::addColumn<int>("connects");
+        QTest::addColumn<int>("closes");
+        QTest::addColumn<int>("driverState");
+        QTest::addColumn<QString>("caption");
+        // A start closes whatever is left of the old socket before it connects anew.
+        QTest::newRow("closed: start") << 0 << 2 << 1 << 2 << "&Stop";
+        QTest::newRow("resolving: ignore") << 4 << 1 << 0 << 3 << "&Stop";
+        QTest::newRow("connected: stop") << 7 << 1 << 1 << 1 << "&Start";
+        QTest::newRow("closing: start") << 8 << 2 << 1 << 2 << "&Stop";
     }
 
     void startStopBySocketState()
     {
         QFETCH(int, state);
-        QFETCH(QString, action);
+        QFETCH(int, connects);
+        QFETCH(int, closes);
+        QFETCH(int, driverState);
+        QFETCH(QString, caption);
         MonitorFixture f;
         start(f);
         f.socket->accept();
         f.socket->setState(state);
-        const int closes = f.socket->closes;
-
+        const int closesBefore = f.socket->closes;
         f.monitor->StartStop();
-
-        if (action == QLatin1String("start")) {
-            QCOMPARE(f.socket->connects.size(), 2);
-            QCOMPARE(f.monitor->DriverState(), 2);
-            QCOMPARE(f.monitor->startStopCaption(), QStringLiteral("&Stop"));
-            QVERIFY(!f.monitor->displayItemsEnabled());
-        } else if (action == QLatin1String("stop")) {
-            QCOMPARE(f.socket->connects.size(), 1);
-            QCOMPARE(f.socket->closes, closes + 1);
-            QCOMPARE(f.monitor->DriverState(), 1);
-            QCOMPARE(f.monitor->startStopCaption(), QStringLiteral("&Start"));
-            QVERIFY(f.monitor->displayItemsEnabled());
-        } else {
-            QCOMPARE(f.socket->connects.size(), 1);
-            QCOMPARE(f.socket->closes, closes);
-            QCOMPARE(f.monitor->DriverState(), 3);
-            QCOMPARE(f.monitor->startStopCaption(), QStringLiteral("&Stop"));
-        }
+        QCOMPARE(f.socket->connects.size(), connects);
+        QCOMPARE(f.socket->closes - closesBefore, closes);
+        QCOMPARE(f.monitor->DriverState(), driverState);
+        QCOMPARE(f.monitor->startStopCaption(), caption);
+        QCOMPARE(f.monitor->displayItemsEnabled(), driverState == 1);
     }
 
     void serialLinkOpensWithItsSettings()
@@ -265,13 +233,7 @@ private slots:
         f.monitor->StartStop();
         QVERIFY(f.serial && f.serial->isOpen());
         QCOMPARE(f.serial->opened.size(), 1);
-        const SerialSettings &settings = f.serial->opened.first();
-        QCOMPARE(settings.port, QStringLiteral("/dev/ttyS9"));
-        QCOMPARE(settings.baudRate, 19200);
-        QCOMPARE(settings.parity, QChar(u'E'));
-        QCOMPARE(settings.dataBits, 7);
-        QCOMPARE(settings.stopBits, QStringLiteral("2"));
-        QCOMPARE(settings.handshaking, 2);
+        QCOMPARE(SerialAddress::format(f.serial->opened.first()), kSerial);
         QCOMPARE(labels.first().first().toString(), QStringLiteral("Connecting..."));
         QCOMPARE(f.monitor->connectionLabel(), QStringLiteral("Connected"));
         QCOMPARE(f.monitor->startStopCaption(), QStringLiteral("&Stop"));
@@ -282,22 +244,17 @@ private slots:
         f.serial->deliver(SampleWelds::stream(2).sliced(130));
         QCOMPARE(f.monitor->totalWelds(), 2);
 
-        f.monitor->StartStop();
-        QVERIFY(!f.serial->isOpen());
-        QCOMPARE(f.monitor->startStopCaption(), QStringLiteral("&Start"));
-        QCOMPARE(f.monitor->GetSocketState(), QStringLiteral("Closed"));
-    }
-
-    void silentSerialLinkIsLeftAlone()
-    {
-        MonitorFixture f;
-        start(f, kSerial);
-        f.serial->deliver(SampleWelds::stream(1));
+        // A silent serial link is left alone however long it stays silent.
         f.clock.advanceSeconds(3 * 3600);
         f.monitor->Timer1_Timer();
         QCOMPARE(f.serial->opened.size(), 1);
         QCOMPARE(f.serial->closes, 0);
         QVERIFY(!f.monitor->connectionProblem());
+
+        f.monitor->StartStop();
+        QVERIFY(!f.serial->isOpen());
+        QCOMPARE(f.monitor->startStopCaption(), QStringLiteral("&Start"));
+        QCOMPARE(f.monitor->GetSocketState(), QStringLiteral("Closed"));
     }
 
     void refusedSerialPortStopsCollection_data()

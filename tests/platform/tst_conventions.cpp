@@ -5,7 +5,6 @@
 #include "platform/LoggedErrorReport.h"
 #include "platform/MeasurementSystem.h"
 #include "platform/ProgramFiles.h"
-#include "platform/RegionalFormat.h"
 #include "platform/qlxLanguage.h"
 
 #include <QFile>
@@ -18,12 +17,16 @@ class TestConventions : public QObject
 {
     Q_OBJECT
 
-private:
-    static void writeFile(const QString &path, const QByteArray &content)
+    QTemporaryDir m_dir;
+
+    // Writes a file of the given name into the test folder and returns its path.
+    QString writeFile(const QString &name, const QByteArray &content)
     {
+        const QString path = m_dir.filePath(name);
         QFile file(path);
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write(content);
+        if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
+            qFatal("cannot write %s", qPrintable(path));
+        return path;
     }
 
 private slots:
@@ -32,7 +35,8 @@ private slots:
         try {
             passOn("Outer.Call", [] {
                 passOn("Inner.Call", [] {
-                    throw ProgramError::raised(QStringLiteral("broken"), QStringLiteral("Inner.Call"));
+                    throw ProgramError::raised(QStringLiteral("broken"),
+                                               QStringLiteral("Inner.Call"));
                 });
             });
             QFAIL("the failure did not pass on");
@@ -46,18 +50,16 @@ private slots:
     void eventProcedureReportsAndCompletes()
     {
         RecordingErrorReport report;
-        bool after = false;
         const bool completed = reportFailures(report, "dlgMain.mnuAdd_Click", [] {
             passOn("dlgMain.AddConfiguration",
                    [] { throw ProgramError::overflow(QStringLiteral("CorvaneUsw.Count")); });
         });
-        after = true;
         QVERIFY(!completed);
-        QVERIFY(after);
         QCOMPARE(report.count(), 1);
         QCOMPARE(report.last().location, QStringLiteral("dlgMain.mnuAdd_Click"));
         QCOMPARE(report.last().number, ProgramError::kOverflow);
-        QCOMPARE(report.last().source, QStringLiteral("CorvaneUsw.Count < dlgMain.AddConfiguration"));
+        QCOMPARE(report.last().source,
+                 QStringLiteral("CorvaneUsw.Count < dlgMain.AddConfiguration"));
 
         QVERIFY(reportFailures(report, "dlgMain.Quiet", [] {}));
         QCOMPARE(report.count(), 1);
@@ -65,9 +67,8 @@ private slots:
 
     void loggedReportAppendsLines()
     {
-        QTemporaryDir folder;
         const ManualClock clock;
-        const QString path = folder.filePath(QStringLiteral("errors.log"));
+        const QString path = m_dir.filePath(QStringLiteral("errors.log"));
         LoggedErrorReport report(path, QStringLiteral("corvane-monitor"), clock, false);
         report.Show(QStringLiteral("A.B"), 9, QStringLiteral("Subscript out of range"),
                     QStringLiteral("X.Y"));
@@ -80,7 +81,7 @@ private slots:
         QVERIFY(lines[1].contains("\tC.D\t6\tOverflow\tZ\r"));
 
         // A log that cannot be written must not take the reporting procedure down.
-        LoggedErrorReport unwritable(folder.filePath(QStringLiteral("missing/errors.log")),
+        LoggedErrorReport unwritable(m_dir.filePath(QStringLiteral("missing/errors.log")),
                                      QStringLiteral("p"), clock, false);
         unwritable.Show(QStringLiteral("A.B"), 1, QStringLiteral("x"), QString());
     }
@@ -89,23 +90,30 @@ private slots:
     {
         QTest::addColumn<QString>("token");
         QTest::addColumn<QString>("expected");
-        QTest::newRow("translated") << "6052|Connected" << "Verbunden";
-        QTest::newRow("trailing blank kept") << "24|Time " << "Zeit ";
-        QTest::newRow("escapes") << "7|x" << "a\tb\\c";
-        QTest::newRow("no entry: default") << "6045|Closed" << "Closed";
-        QTest::newRow("default keeps blanks") << "6008|Energy " << "Energy ";
-        QTest::newRow("bar in default text") << "3|a|b" << "a|b";
-        QTest::newRow("no number") << "plain text" << "plain text";
-        QTest::newRow("N before bar not a number") << "x|y" << "x|y";
+        QTest::newRow("translated") << "6052|Connected"
+                                    << "Verbunden";
+        QTest::newRow("trailing blank kept") << "24|Time "
+                                             << "Zeit ";
+        QTest::newRow("escapes") << "7|x"
+                                 << "a\tb\\c";
+        QTest::newRow("no entry: default") << "6045|Closed"
+                                           << "Closed";
+        QTest::newRow("default keeps blanks") << "6008|Energy "
+                                              << "Energy ";
+        QTest::newRow("bar in default text") << "3|a|b"
+                                             << "a|b";
+        QTest::newRow("no number") << "plain text"
+                                   << "plain text";
+        QTest::newRow("N before bar not a number") << "x|y"
+                                                   << "x|y";
     }
 
     void translation()
     {
         QFETCH(QString, token);
         QFETCH(QString, expected);
-        QTemporaryDir folder;
-        const QString path = folder.filePath(QStringLiteral("table.lang"));
-        writeFile(path, "# German\n6052|Verbunden\r\n24|Zeit \n\n7|a\\tb\\\\c\n");
+        const QString path = writeFile(QStringLiteral("table.lang"),
+                                       "# German\n6052|Verbunden\r\n24|Zeit \n\n7|a\\tb\\\\c\n");
         qlxLanguage language;
         QString error;
         QVERIFY2(language.loadTable(path, &error), qPrintable(error));
@@ -114,15 +122,13 @@ private slots:
 
     void malformedTableIsRefused()
     {
-        QTemporaryDir folder;
-        const QString path = folder.filePath(QStringLiteral("bad.lang"));
-        writeFile(path, "6052|Verbunden\nnot a line\n");
+        const QString path = writeFile(QStringLiteral("bad.lang"), "6052|Verbunden\nnot a line\n");
         qlxLanguage language;
         QString error;
         QVERIFY(!language.loadTable(path, &error));
         QVERIFY(error.contains(QLatin1String(":2:")));
         QCOMPARE(language.Translate(u"6052|Connected"), QStringLiteral("Verbunden"));
-        QVERIFY(!language.loadTable(folder.filePath(QStringLiteral("absent.lang")), &error));
+        QVERIFY(!language.loadTable(m_dir.filePath(QStringLiteral("absent.lang")), &error));
     }
 
     void measurementSystem_data()
@@ -141,14 +147,13 @@ private slots:
     {
         QFETCH(QByteArray, content);
         QFETCH(int, expected);
-        QTemporaryDir folder;
-        const QString path = folder.filePath(QStringLiteral("corvane-monitor.ini"));
-        writeFile(path, content);
-        for (const MeasurementSystem regional : {MeasurementSystem::Metric, MeasurementSystem::US}) {
+        const QString path = writeFile(QTest::currentDataTag() + QStringLiteral(".ini"), content);
+        for (const MeasurementSystem regional :
+             {MeasurementSystem::Metric, MeasurementSystem::US}) {
             const int want = expected < 0 ? int(regional) : expected;
             QCOMPARE(int(readMeasurementSystem(path, regional)), want);
         }
-        QCOMPARE(readMeasurementSystem(folder.filePath(QStringLiteral("none.ini")),
+        QCOMPARE(readMeasurementSystem(m_dir.filePath(QStringLiteral("none.ini")),
                                        MeasurementSystem::US),
                  MeasurementSystem::US);
     }
@@ -159,23 +164,6 @@ private slots:
                  MeasurementSystem::US);
         QCOMPARE(regionalMeasurementSystem(QLocale(QLocale::German, QLocale::Germany)),
                  MeasurementSystem::Metric);
-    }
-
-    void regionalFormat()
-    {
-        const RegionalFormat german(QLocale(QLocale::German, QLocale::Germany));
-        QCOMPARE(german.number(31.3563), QStringLiteral("31,3563"));
-        QCOMPARE(german.number(123456.5), QStringLiteral("123456,5"));
-        const RegionalFormat us(QLocale(QLocale::English, QLocale::UnitedStates));
-        QCOMPARE(us.number(0.1 + 0.2), QStringLiteral("0.3"));
-        QCOMPARE(us.number(-4.448222), QStringLiteral("-4.448222"));
-        QCOMPARE(us.number(2.0), QStringLiteral("2"));
-        const QDateTime when(QDate(2026, 11, 14), QTime(22, 5, 9));
-        const QString text = us.dateTime(when);
-        QVERIFY2(text.contains(QLatin1String("2026")), qPrintable(text));
-        QVERIFY2(text.contains(QLatin1String("05:09")), qPrintable(text));
-        QVERIFY2(german.dateTime(when).startsWith(QLatin1String("14.11.2026")),
-                 qPrintable(german.dateTime(when)));
     }
 
     void dataFolderAndFiles()

@@ -1,3 +1,4 @@
+#include "Refusal.h"
 #include "SampleWelds.h"
 
 #include "platform/ProgramError.h"
@@ -6,8 +7,6 @@
 #include "protocol/CorvaneFUN26.h"
 #include "protocol/Function26Frame.h"
 
-#include <QFile>
-#include <QTemporaryDir>
 #include <QTest>
 
 #include <limits>
@@ -29,12 +28,11 @@ struct WireField
     double (*read)(const CorvaneFUN26 &);
 };
 
-#define FIELD(name, offset, width, isSigned, scale)                                                \
-    WireField                                                                                      \
-    {                                                                                              \
-#name, offset, width, isSigned, Scale::scale,                                              \
-            [](const CorvaneFUN26 &r) { return double(r.name); }                                   \
-    }
+// clang-format off
+#define FIELD(name, offset, width, isSigned, scale) \
+    WireField{#name, offset, width, isSigned, Scale::scale, \
+              [](const CorvaneFUN26 &r) { return double(r.name); }}
+// clang-format on
 
 const std::array kWireFields = {
     FIELD(CycleCount, 0, 4, true, None),
@@ -81,36 +79,16 @@ const std::array kWireFields = {
 
 #undef FIELD
 
-const WireField &wireField(const QString &name)
-{
-    for (const WireField &field : kWireFields) {
-        if (name == QLatin1String(field.name))
-            return field;
-    }
-    qFatal("no wire field %s", qPrintable(name));
-}
+// The display-unit factors by Scale, written out as the power supply's documentation
+// gives them.
+constexpr double kUsFactor[] = {
+    1, 0.001, 0.1, 1.0 / 10000.0, 10.0 / 1000.0, 100.0 / 1000.0, 100.0 / 1000.0};
+constexpr double kMetricFactor[] = {
+    1, 0.001, 0.1, 25.4 / 10000.0, 254.0 / 1000.0, 689.0 / 1000.0, 444.8222 / 1000.0};
 
-// The display-unit factors, written out as the power supply's documentation gives them.
 double factor(Scale scale, MeasurementSystem system)
 {
-    const bool us = system == MeasurementSystem::US;
-    switch (scale) {
-    case Scale::None:
-        return 1.0;
-    case Scale::Milli:
-        return 0.001;
-    case Scale::Deci:
-        return 0.1;
-    case Scale::Distance:
-        return us ? 1.0 / 10000.0 : 25.4 / 10000.0;
-    case Scale::Velocity:
-        return us ? 10.0 / 1000.0 : 254.0 / 1000.0;
-    case Scale::Pressure:
-        return us ? 100.0 / 1000.0 : 689.0 / 1000.0;
-    case Scale::Force:
-        return us ? 100.0 / 1000.0 : 444.8222 / 1000.0;
-    }
-    return 0;
+    return (system == MeasurementSystem::US ? kUsFactor : kMetricFactor)[int(scale)];
 }
 
 // The raw integer in the field's bytes: big-endian, two's complement when signed.
@@ -125,12 +103,6 @@ qint64 rawValue(const QByteArray &data, const WireField &field)
     return qint64(value);
 }
 
-void putRaw(QByteArray &data, const WireField &field, qint64 raw)
-{
-    for (int k = field.width - 1, shift = 0; k >= 0; --k, shift += 8)
-        data[field.offset + k] = char((quint64(raw) >> shift) & 0xFF);
-}
-
 const QDateTime kDecodedAt(QDate(2026, 11, 14), QTime(22, 5, 9));
 
 CorvaneFUN26 decode(const QByteArray &data, MeasurementSystem system)
@@ -142,49 +114,27 @@ CorvaneFUN26 decode(const QByteArray &data, MeasurementSystem system)
 // that the data log leaves out.
 CorvaneFUN26 distinctRecord()
 {
-    CorvaneFUN26 r;
-    r.AcquiredTime = kDecodedAt;
-    r.CycleCount = 70001;
-    r.Hour = 21;
-    r.Minute = 59;
-    r.Second = 58;
-    r.Year = 2026;
-    r.Month = 12;
-    r.Day = 31;
-    r.ActualWeldTime = 0.25;
-    r.TotalEnergy = 120.5;
-    r.ActualDistance = 1.2345;
-    r.ActualWeldCollapse = 0.0401;
-    r.ActualTotalCollapse = 0.0432;
-    r.ActualStartFrequency = 19950;
-    r.ActualEndFrequency = 19910;
-    r.FrequencyChange = -40;
-    r.FrequencyMinimum = 19900;
-    r.FrequencyMaximum = 19960;
-    r.ActualVelocity = 50.5;
-    r.TriggerDistance = 1.1;
-    r.RejectPartAlarms = 2;
-    r.SuspectPartAlarms = 4;
-    r.NoCycleAlarms = 8;
-    r.OverloadAlarms = 16;
-    r.EquipmentFailureAlarms = 32;
-    r.CycleModifiedAlarms = std::numeric_limits<qint32>::min();
-    r.PresetNumber = 7;
-    r.Units = 201;
-    r.PresentLimitsChanged = 202;
-    r.ReservedByte = 203;
-    r.NoteAlarms = 1024;
-    r.SetAmplitudeA = 80;
-    r.SetAmplitudeB = 60;
-    r.WeldMode = 35;
-    r.PowerSupplyControlFlags = 33;
-    r.PeakPower = 45.5;
-    r.WeldPresure = -31;
-    r.WeldForceEnd = -1;
-    r.HoldForceEnd = 90.25;
-    r.TotalCycleTime = 0.85;
-    r.TriggerForce = 777.125;
-    return r;
+    return {kDecodedAt, 70001,
+            21,         59,
+            58,         2026,
+            12,         31,
+            0.25,       120.5,
+            1.2345,     0.0401,
+            0.0432,     19950,
+            19910,      -40,
+            19900,      19960,
+            50.5,       1.1,
+            2,          4,
+            8,          16,
+            32,         std::numeric_limits<qint32>::min(),
+            7,          201,
+            202,        203,
+            1024,       80,
+            60,         35,
+            33,         45.5,
+            -31,        -1,
+            90.25,      0.85,
+            777.125};
 }
 
 QStringList columns(const QString &line)
@@ -232,40 +182,6 @@ private slots:
                                      .arg(field.read(record), 0, 'g', 17)
                                      .arg(expected, 0, 'g', 17)));
         }
-    }
-
-    void scaledValues_data()
-    {
-        QTest::addColumn<QString>("field");
-        QTest::addColumn<qint64>("raw");
-        QTest::addColumn<MeasurementSystem>("system");
-        QTest::addColumn<double>("expected");
-        const auto us = MeasurementSystem::US;
-        const auto metric = MeasurementSystem::Metric;
-        QTest::newRow("distance US") << "ActualDistance" << 12345LL << us << 1.2345;
-        QTest::newRow("distance metric") << "ActualDistance" << 12345LL << metric << 31.3563;
-        QTest::newRow("velocity US") << "ActualVelocity" << 5000LL << us << 50.0;
-        QTest::newRow("velocity metric") << "ActualVelocity" << 5000LL << metric << 1270.0;
-        QTest::newRow("force US") << "WeldForceEnd" << -10LL << us << -1.0;
-        QTest::newRow("force metric") << "WeldForceEnd" << -10LL << metric << -4.448222;
-        QTest::newRow("pressure US") << "WeldPresure" << -310LL << us << -31.0;
-        QTest::newRow("pressure metric") << "WeldPresure" << -310LL << metric << -213.59;
-        QTest::newRow("pressure highest") << "WeldPresure" << 32767LL << metric << 22576.463;
-        QTest::newRow("peak power") << "PeakPower" << 455LL << metric << 45.5;
-        QTest::newRow("energy") << "TotalEnergy" << 1205LL << metric << 120.5;
-        QTest::newRow("largest count") << "CycleCount" << 2147483647LL << us << 2147483647.0;
-    }
-
-    void scaledValues()
-    {
-        QFETCH(QString, field);
-        QFETCH(qint64, raw);
-        QFETCH(MeasurementSystem, system);
-        QFETCH(double, expected);
-        const WireField &wire = wireField(field);
-        QByteArray data(CorvaneFUN26::kDataBytes, '\0');
-        putRaw(data, wire, raw);
-        QCOMPARE(wire.read(decode(data, system)), expected);
     }
 
     // The encoder that tests and the simulator use is the decoder's inverse.
@@ -320,14 +236,12 @@ private slots:
         QFETCH(int, size);
         QFETCH(int, pos);
         const QByteArray buffer(size, '\x01');
-        try {
-            CreateFunction26(buffer, pos, MeasurementSystem::Metric, kDecodedAt);
-            QFAIL("a record was decoded from too few bytes");
-        } catch (const ProgramError &error) {
-            QCOMPARE(error.number(), ProgramError::kSubscriptOutOfRange);
-            QVERIFY2(error.source().contains(QLatin1String("CorvaneUSWSupport.CreateFunction26")),
-                     qPrintable(error.source()));
-        }
+        const auto error =
+            refusal([&] { CreateFunction26(buffer, pos, MeasurementSystem::Metric, kDecodedAt); });
+        QVERIFY2(error, "a record was decoded from too few bytes");
+        QCOMPARE(error->number(), ProgramError::kSubscriptOutOfRange);
+        QVERIFY2(error->source().contains(QLatin1String("CorvaneUSWSupport.CreateFunction26")),
+                 qPrintable(error->source()));
         // With 116 bytes behind the position, the same decode succeeds.
         const QByteArray enough = buffer + QByteArray(CorvaneFUN26::kDataBytes, '\x01');
         CreateFunction26(enough, enough.size() - CorvaneFUN26::kDataBytes, MeasurementSystem::US,
@@ -387,23 +301,16 @@ private slots:
 
     void headerRecordIsTranslatedAtEachCall()
     {
-        QTemporaryDir folder;
-        const QString path = folder.filePath(QStringLiteral("de.lang"));
-        QFile table(path);
-        QVERIFY(table.open(QIODevice::WriteOnly));
-        table.write("1196|k. A.\n6344|Weg\n6008|Energie\n");
-        table.close();
         qlxLanguage language;
-        QVERIFY(language.loadTable(path));
+        for (const auto &[token, text] :
+             {std::pair{1196, "k. A."}, {6344, "Weg"}, {6008, "Energie"}})
+            language.setText(token, QString::fromUtf8(text));
         QStringList captions = columns(CorvaneFUN26::HeaderRecord(language));
         QCOMPARE(captions.size(), 39);
-        QCOMPARE(captions[9], QStringLiteral("Energie"));
-        QCOMPARE(captions[10], QStringLiteral("Weg"));
-        QCOMPARE(captions[37], QStringLiteral("k. A."));
-        QCOMPARE(captions[38], QStringLiteral("k. A."));
+        QCOMPARE(captions.mid(9, 2), (QStringList{"Energie", "Weg"}));
+        QCOMPARE(captions.mid(37), (QStringList{"k. A.", "k. A."}));
         language.setText(6344, QStringLiteral("Abstand"));
-        captions = columns(CorvaneFUN26::HeaderRecord(language));
-        QCOMPARE(captions[10], QStringLiteral("Abstand"));
+        QCOMPARE(columns(CorvaneFUN26::HeaderRecord(language))[10], QStringLiteral("Abstand"));
     }
 
     void recordColumns()

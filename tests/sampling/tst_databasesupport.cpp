@@ -13,32 +13,12 @@ namespace {
 
 const ProgramFiles kFiles(QStringLiteral("/srv/Corvane"));
 
-// Parts, processes and tests of a plant: "Housing" and "Seal weld" in the group
-// "Line 3", "Cover" and "Spot weld" in no group, limits for Housing/Energy.
-void fillPlant(Database &database)
-{
-    database.createRecord(RecordKind::Group, QStringLiteral("Line 3"));
-    database.createRecord(RecordKind::Part, QStringLiteral("Housing"), QStringLiteral("Line 3"));
-    database.createRecord(RecordKind::Part, QStringLiteral("Cover"));
-    database.createRecord(RecordKind::Process, QStringLiteral("Seal weld"),
-                          QStringLiteral("Line 3"));
-    database.createRecord(RecordKind::Process, QStringLiteral("Spot weld"));
-    database.createRecord(RecordKind::Test, QStringLiteral("Energy"));
-    database.createRecord(RecordKind::Test, QStringLiteral("Weld Time"));
-    Part part;
-    part.setName(QStringLiteral("Housing"));
-    part.load(database);
-    Test test;
-    test.setName(QStringLiteral("Energy"));
-    test.load(database);
-    SpecLimit limit;
-    limit.setPartId(part.id());
-    limit.setTestId(test.id());
-    limit.setUpperSpecLimit(900);
-    limit.setLowerSpecLimit(700);
-    limit.setUpperWarningLimit(850);
-    database.setSpecLimit(limit);
-}
+// A database object connected to the scratch database, which holds the plant.
+#define PLANT_DATABASE(database, backend)                                                          \
+    SCRATCH_DATABASE_ON(scratch, backend);                                                         \
+    SqlDatabase database;                                                                          \
+    QVERIFY(connectTo(database, scratch.dsn()));                                                   \
+    fillPlant(database)
 
 } // namespace
 
@@ -53,46 +33,29 @@ private slots:
     {
         RecordingErrorReport errors;
         DatabaseSupport::LibraryFlag flag;
+        // Each answer of the driver check in turn, counting the checks made.
+        QList<bool> answers = {false, false, true, false};
         int checks = 0;
-        bool driversLoad = false;
-        DatabaseSupport support(
-            errors, kFiles,
-            [&] {
-                ++checks;
-                return driversLoad;
-            },
-            flag, [](const DatabaseSupport::ViewerCommand &) { return true; });
-        QVERIFY(!support.DatabaseLibraryAvailable());
-        QVERIFY(!support.DatabaseLibraryAvailable());
-        QCOMPARE(checks, 2);
-        driversLoad = true;
-        QVERIFY(support.DatabaseLibraryAvailable());
-        QCOMPARE(checks, 3);
-        driversLoad = false;
-        QVERIFY(support.DatabaseLibraryAvailable());
+        const auto driverCheck = [&] { return answers.at(checks++); };
+        DatabaseSupport support(errors, kFiles, driverCheck, flag, {});
+        QList<bool> available;
+        for (int i = 0; i < 4; ++i)
+            available.append(support.DatabaseLibraryAvailable());
+        QCOMPARE(available, (QList<bool>{false, false, true, true}));
         QCOMPARE(checks, 3);
         QVERIFY(flag.available);
-        QVERIFY(errors.isEmpty());
-
         // The flag is shared: another object with it does not ask again.
-        DatabaseSupport other(errors, kFiles,
-                              [&] {
-                                  ++checks;
-                                  return false;
-                              },
-                              flag, {});
+        DatabaseSupport other(errors, kFiles, driverCheck, flag, {});
         QVERIFY(other.DatabaseLibraryAvailable());
         QCOMPARE(checks, 3);
+        QVERIFY(errors.isEmpty());
     }
 
-    void resolvesRecordsByName_data() { addBackendRows(); }
-    void resolvesRecordsByName()
+    void resolvesRecordsAndGroupsByName_data() { addBackendRows(); }
+    void resolvesRecordsAndGroupsByName()
     {
-        SCRATCH_DATABASE(scratch);
-        SqlDatabase database;
-        database.setDataSourceName(scratch.dsn());
-        QVERIFY2(database.openConnection(), qPrintable(database.lastErrorText()));
-        fillPlant(database);
+        QFETCH(QString, backend);
+        PLANT_DATABASE(database, backend);
         RecordingErrorReport errors;
         DatabaseSupport support(errors, kFiles);
 
@@ -106,69 +69,39 @@ private slots:
         QCOMPARE(support.ResolveTestByName(database, QStringLiteral("Peak Power")).id(), qint64(0));
 
         const SpecLimit limit = support.ResolveSpecLim(database, part.id(), energy.id());
-        QCOMPARE(limit.limitFlags(), SpecLimit::kUpperSpecLimit | SpecLimit::kLowerSpecLimit |
-                                         SpecLimit::kUpperWarningLimit);
-        QCOMPARE(limit.upperSpecLimit(), 900.0);
-        QCOMPARE(limit.lowerSpecLimit(), 700.0);
-        QCOMPARE(limit.upperWarningLimit(), 850.0);
+        QCOMPARE((QList<double>{double(limit.limitFlags()), limit.upperSpecLimit(),
+                                limit.lowerSpecLimit(), limit.upperWarningLimit()}),
+                 (QList<double>{SpecLimit::kUpperSpecLimit | SpecLimit::kLowerSpecLimit |
+                                    SpecLimit::kUpperWarningLimit,
+                                900, 700, 850}));
         const Test weldTime = support.ResolveTestByName(database, QStringLiteral("Weld Time"));
         QCOMPARE(support.ResolveSpecLim(database, part.id(), weldTime.id()).limitFlags(), 0);
+
+        // Groups: the record's own, or "Corvane" for none, an unknown name, or no connection.
+        const auto groups = [&] {
+            return QStringList{support.ResolvePartGroup(database, QStringLiteral("Housing")),
+                               support.ResolveProcessGroup(database, QStringLiteral("Seal weld")),
+                               support.ResolvePartGroup(database, QStringLiteral("Cover")),
+                               support.ResolveProcessGroup(database, QStringLiteral("Spot weld")),
+                               support.ResolvePartGroup(database, QStringLiteral("No such part"))};
+        };
+        QCOMPARE(groups(), (QStringList{"Line 3", "Line 3", "Corvane", "Corvane", "Corvane"}));
         QVERIFY2(errors.isEmpty(), errors.isEmpty() ? "" : qPrintable(errors.last().description));
-    }
 
-    void groupsFallBackToCorvane_data() { addBackendRows(); }
-    void groupsFallBackToCorvane()
-    {
-        SCRATCH_DATABASE(scratch);
-        SqlDatabase database;
-        database.setDataSourceName(scratch.dsn());
-        QVERIFY2(database.openConnection(), qPrintable(database.lastErrorText()));
-        fillPlant(database);
-        RecordingErrorReport errors;
-        DatabaseSupport support(errors, kFiles);
-
-        QCOMPARE(support.ResolvePartGroup(database, QStringLiteral("Housing")),
-                 QStringLiteral("Line 3"));
-        QCOMPARE(support.ResolveProcessGroup(database, QStringLiteral("Seal weld")),
-                 QStringLiteral("Line 3"));
-        QCOMPARE(support.ResolvePartGroup(database, QStringLiteral("Cover")),
-                 QStringLiteral("Corvane"));
-        QCOMPARE(support.ResolveProcessGroup(database, QStringLiteral("Spot weld")),
-                 QStringLiteral("Corvane"));
-        QCOMPARE(support.ResolvePartGroup(database, QStringLiteral("No such part")),
-                 QStringLiteral("Corvane"));
-        QVERIFY(errors.isEmpty());
-
+        // A closed connection is not made again behind the user's back: nothing is found.
         database.closeConnection();
-        QCOMPARE(support.ResolvePartGroup(database, QStringLiteral("Housing")),
-                 QStringLiteral("Corvane"));
-        QVERIFY(errors.isEmpty());
-    }
-
-    void looksUpNothingWhileNotConnected()
-    {
-        SqlDatabase database;
-        database.setDataSourceName(QStringLiteral("/nonexistent-corvane/spc.db"));
-        RecordingErrorReport errors;
-        DatabaseSupport support(errors, kFiles);
-        const Part part = support.ResolvePartByName(database, QStringLiteral("Housing"));
-        QCOMPARE(part.id(), qint64(0));
+        QCOMPARE(groups(), QStringList(5, QStringLiteral("Corvane")));
+        QCOMPARE(support.ResolvePartByName(database, QStringLiteral("Housing")).id(), qint64(0));
         QCOMPARE(support.ResolveProcessByName(database, QStringLiteral("Seal weld")).id(),
                  qint64(0));
         QCOMPARE(support.ResolveTestByName(database, QStringLiteral("Energy")).id(), qint64(0));
         QVERIFY(!database.isConnected());
-        QVERIFY(database.lastErrorText().isEmpty());
         QVERIFY(errors.isEmpty());
     }
 
     void failuresAreReportedNotThrown()
     {
-        ScratchDatabase scratch(QStringLiteral("sqlite"));
-        QVERIFY(scratch.state() == ScratchDatabase::State::Ready);
-        SqlDatabase database;
-        database.setDataSourceName(scratch.dsn());
-        QVERIFY(database.openConnection());
-        fillPlant(database);
+        PLANT_DATABASE(database, QStringLiteral("sqlite"));
         {
             // The tables go away behind the monitor's back.
             RawConnection other(scratch.dsn());

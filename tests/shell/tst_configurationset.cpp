@@ -113,6 +113,7 @@ private:
     QList<FakeMonitor *> m_monitors;
 
     QString path() const { return m_folder.filePath(QStringLiteral("corvane-monitor.cfg")); }
+    QString datedCopy(const char *stamp) const { return path() + u'_' + QLatin1String(stamp); }
 
     std::unique_ptr<ConfigurationSet> makeSet(const QString &configurationsPath)
     {
@@ -156,8 +157,7 @@ private slots:
         QCOMPARE(readBytes(path()), QByteArray("<Configurations/>"));
         QCOMPARE(folderEntries(),
                  (QStringList{"corvane-monitor.cfg", "corvane-monitor.cfg_261114220509"}));
-        QCOMPARE(readBytes(path() + QLatin1String("_261114220509")),
-                 QByteArray("<Configurations/>"));
+        QCOMPARE(readBytes(datedCopy("261114220509")), QByteArray("<Configurations/>"));
 
         // Nothing changed since: the next exit writes nothing and leaves no new copy.
         m_clock.advanceSeconds(60);
@@ -270,8 +270,7 @@ private slots:
         // The next save replaces the bad file, and the dated copy holds the new content.
         save(*set);
         QCOMPARE(readBytes(path()), QByteArray("<Configurations/>"));
-        QCOMPARE(readBytes(path() + QLatin1String("_261114220509")),
-                 QByteArray("<Configurations/>"));
+        QCOMPARE(readBytes(datedCopy("261114220509")), QByteArray("<Configurations/>"));
     }
 
     void caseOnlyChangeIsNotSaved()
@@ -304,7 +303,7 @@ private slots:
         // Both saves fell within 22:05:09: one copy, holding the second save.
         QCOMPARE(folderEntries(),
                  (QStringList{"corvane-monitor.cfg", "corvane-monitor.cfg_261114220509"}));
-        QCOMPARE(readBytes(path() + QLatin1String("_261114220509")),
+        QCOMPARE(readBytes(datedCopy("261114220509")),
                  QByteArray("<Configurations><B/></Configurations>"));
 
         m_clock.set(QDateTime(QDate(2027, 1, 2), QTime(3, 4, 5)));
@@ -315,7 +314,7 @@ private slots:
                  (QStringList{"corvane-monitor.cfg", "corvane-monitor.cfg_261114220509",
                               "corvane-monitor.cfg_270102030405"}));
         QCOMPARE(readBytes(path()), QByteArray("<Configurations><C/></Configurations>"));
-        QCOMPARE(readBytes(path() + QLatin1String("_270102030405")), readBytes(path()));
+        QCOMPARE(readBytes(datedCopy("270102030405")), readBytes(path()));
     }
 
     void fileEncoding_data()
@@ -436,7 +435,7 @@ private slots:
         QVERIFY(set.LoadConfigurationFile());
         save(set);
         QCOMPARE(readBytes(path()), current);
-        QCOMPARE(readBytes(path() + QLatin1String("_261114220509")), current);
+        QCOMPARE(readBytes(datedCopy("261114220509")), current);
     }
 };
 

@@ -17,28 +17,49 @@ class TestHeadless : public QObject
 private:
     static constexpr int kWelds = 6;
 
-    static QProcessEnvironment environment(const QTemporaryDir &folder)
+    // Starts corvane-monitor --headless with the given further arguments; a data folder
+    // named by the environment stands in for --data-dir.
+    static bool startMonitor(QProcess &monitor, const QTemporaryDir &folder,
+                             const QStringList &arguments, const QString &dataFolder = {})
     {
         QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
         env.remove(QStringLiteral("CORVANE_DATA_DIR"));
         // Keep the machine's own settings store out of the run.
-        env.insert(QStringLiteral("CORVANE_SETTINGS_FILE"),
-                   folder.filePath(QStringLiteral("settings.ini")));
-        return env;
+        env.insert(QStringLiteral("CORVANE_SETTINGS_FILE"), folder.filePath("settings.ini"));
+        if (!dataFolder.isEmpty())
+            env.insert(QStringLiteral("CORVANE_DATA_DIR"), dataFolder);
+        monitor.setProcessEnvironment(env);
+        monitor.start(QStringLiteral(CORVANE_MONITOR_EXE), QStringList{"--headless"} + arguments);
+        return monitor.waitForStarted(5000);
     }
 
-    static QStringList lines(const QString &path)
+    // Waits until the monitor reports on standard error that it watches no configuration;
+    // what it wrote there, which the caller checks for the report.
+    static QByteArray watchingNothing(QProcess &monitor)
+    {
+        QByteArray errors;
+        static_cast<void>(QTest::qWaitFor(
+            [&] { return (errors += monitor.readAllStandardError()).contains("watching 0"); },
+            10000));
+        return errors;
+    }
+
+    static void writeFile(const QString &path, const QByteArray &content)
     {
         QFile file(path);
-        if (!file.open(QIODevice::ReadOnly))
-            return {};
-        return QString::fromUtf8(file.readAll()).split(QStringLiteral("\r\n"), Qt::SkipEmptyParts);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(content);
     }
 
     static QByteArray readAll(const QString &path)
     {
         QFile file(path);
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+
+    static QStringList lines(const QString &path)
+    {
+        return QString::fromUtf8(readAll(path)).split(QStringLiteral("\r\n"), Qt::SkipEmptyParts);
     }
 
     static QStringList datedCopies(const QString &folder)
@@ -49,10 +70,9 @@ private:
     // Starts corvane-sim on a free loopback port; returns the port, 0 on failure.
     static quint16 startSimulator(QProcess &sim)
     {
-        sim.start(QStringLiteral(CORVANE_SIM_EXE),
-                  {QStringLiteral("--tcp"), QStringLiteral("0"), QStringLiteral("--count"),
-                   QString::number(kWelds), QStringLiteral("--interval"), QStringLiteral("40"),
-                   QStringLiteral("--seed"), QStringLiteral("7")});
+        sim.start(
+            QStringLiteral(CORVANE_SIM_EXE),
+            {"--tcp", "0", "--count", QString::number(kWelds), "--interval", "40", "--seed", "7"});
         if (!sim.waitForStarted(5000))
             return 0;
         const QRegularExpression announced(QStringLiteral("^tcp 127\\.0\\.0\\.1:(\\d+)\\s*$"));
@@ -83,18 +103,10 @@ private slots:
                            "</Configurations>")
                 .arg(port)
                 .arg(dataLog);
-        {
-            QFile file(configurations);
-            QVERIFY(file.open(QIODevice::WriteOnly));
-            file.write(handWritten.toUtf8());
-        }
+        writeFile(configurations, handWritten.toUtf8());
 
         QProcess monitor;
-        monitor.setProcessEnvironment(environment(folder));
-        monitor.start(QStringLiteral(CORVANE_MONITOR_EXE),
-                      {QStringLiteral("--headless"), QStringLiteral("--data-dir"), folder.path(),
-                       QStringLiteral("--verbose")});
-        QVERIFY(monitor.waitForStarted(5000));
+        QVERIFY(startMonitor(monitor, folder, {"--data-dir", folder.path(), "--verbose"}));
         // A failed check must not leave the monitor or the simulator running.
         const auto cleanUp = qScopeGuard([&] {
             monitor.kill();
@@ -121,9 +133,8 @@ private slots:
         const QStringList printed =
             QString::fromUtf8(monitor.readAllStandardOutput()).split(u'\n', Qt::SkipEmptyParts);
         QCOMPARE(printed.size(), kWelds);
-        for (int i = 0; i < kWelds; ++i)
-            QVERIFY2(printed[i].startsWith(QLatin1String("Press 1: cycle ")),
-                     qPrintable(printed[i]));
+        for (const QString &line : printed)
+            QVERIFY2(line.startsWith(QLatin1String("Press 1: cycle ")), qPrintable(line));
 
         const QByteArray saved = readAll(configurations);
         QVERIFY(!saved.contains('\n'));
@@ -133,33 +144,26 @@ private slots:
         QCOMPARE(copies.size(), 1);
         QCOMPARE(readAll(folder.filePath(copies.first())), saved);
         // Nothing in the folder but what the run is meant to leave there.
-        QVERIFY2(!QFile::exists(folder.filePath(QStringLiteral("corvane-monitor.errors.log"))),
-                 qPrintable(QString::fromUtf8(
-                     readAll(folder.filePath(QStringLiteral("corvane-monitor.errors.log"))))));
+        const QString errorLog = folder.filePath(QStringLiteral("corvane-monitor.errors.log"));
+        QVERIFY2(!QFile::exists(errorLog), readAll(errorLog).constData());
     }
 
     void firstRunWithoutWindowStopsOnSigint()
     {
         QTemporaryDir folder;
         const QString dataFolder = folder.filePath(QStringLiteral("new/Corvane"));
+        const QString configurations = QDir(dataFolder).filePath("corvane-monitor.cfg");
         QProcess monitor;
-        QProcessEnvironment env = environment(folder);
-        env.insert(QStringLiteral("CORVANE_DATA_DIR"), dataFolder);
-        monitor.setProcessEnvironment(env);
-        monitor.start(QStringLiteral(CORVANE_MONITOR_EXE), {QStringLiteral("--headless")});
-        QVERIFY(monitor.waitForStarted(5000));
+        QVERIFY(startMonitor(monitor, folder, {}, dataFolder));
         // The data folder is made and the empty configurations file left in it.
-        QByteArray errors;
-        QTRY_VERIFY_WITH_TIMEOUT((errors += monitor.readAllStandardError()).contains("watching 0"),
-                                 10000);
-        QVERIFY(QFile::exists(QDir(dataFolder).filePath(QStringLiteral("corvane-monitor.cfg"))));
+        QVERIFY(watchingNothing(monitor).contains("watching 0"));
+        QVERIFY(QFile::exists(configurations));
 
         ::kill(pid_t(monitor.processId()), SIGINT);
         QVERIFY(monitor.waitForFinished(10000));
         QCOMPARE(monitor.exitStatus(), QProcess::NormalExit);
         QCOMPARE(monitor.exitCode(), 0);
-        QCOMPARE(readAll(QDir(dataFolder).filePath(QStringLiteral("corvane-monitor.cfg"))),
-                 QByteArray("<Configurations/>"));
+        QCOMPARE(readAll(configurations), QByteArray("<Configurations/>"));
         QCOMPARE(datedCopies(dataFolder).size(), 1);
     }
 
@@ -169,22 +173,17 @@ private slots:
     {
         QTemporaryDir folder;
         const QByteArray corrupt = "<Configurations><Configuration>";
-        QFile file(folder.filePath(QStringLiteral("corvane-monitor.cfg")));
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write(corrupt);
-        file.close();
+        const QString configurations = folder.filePath("corvane-monitor.cfg");
+        writeFile(configurations, corrupt);
         QProcess monitor;
-        monitor.setProcessEnvironment(environment(folder));
-        monitor.start(QStringLiteral(CORVANE_MONITOR_EXE),
-                      {QStringLiteral("--headless"), QStringLiteral("--data-dir"), folder.path()});
-        QByteArray errors;
-        QTRY_VERIFY_WITH_TIMEOUT((errors += monitor.readAllStandardError()).contains("watching 0"),
-                                 10000);
+        QVERIFY(startMonitor(monitor, folder, {"--data-dir", folder.path()}));
+        const QByteArray errors = watchingNothing(monitor);
+        QVERIFY2(errors.contains("watching 0"), errors.constData());
         QVERIFY2(errors.contains("dlgMain.BuildConfigurations"), errors.constData());
         monitor.terminate();
         QVERIFY(monitor.waitForFinished(10000));
         QCOMPARE(monitor.exitCode(), 0);
-        QCOMPARE(readAll(file.fileName()), corrupt);
+        QCOMPARE(readAll(configurations), corrupt);
         QVERIFY(datedCopies(folder.path()).isEmpty());
     }
 
@@ -192,9 +191,7 @@ private slots:
     {
         QTemporaryDir folder;
         QProcess monitor;
-        monitor.setProcessEnvironment(environment(folder));
-        monitor.start(QStringLiteral(CORVANE_MONITOR_EXE),
-                      {QStringLiteral("--headless"), QStringLiteral("--data-dir")});
+        QVERIFY(startMonitor(monitor, folder, {"--data-dir"}));
         QVERIFY(monitor.waitForFinished(10000));
         QCOMPARE(monitor.exitCode(), 2);
         QVERIFY(monitor.readAllStandardError().contains("Usage: corvane-monitor"));

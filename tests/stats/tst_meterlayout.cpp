@@ -21,6 +21,13 @@ MeterLayout::Input input(double barWidth, double lower, double upper, double cur
     return in;
 }
 
+// The left edges of the current, minimum, average and maximum markers.
+QList<double> lefts(const MeterLayout &layout)
+{
+    return {layout.markerLeft(MeterMarker::Current), layout.markerLeft(MeterMarker::Minimum),
+            layout.markerLeft(MeterMarker::Average), layout.markerLeft(MeterMarker::Maximum)};
+}
+
 } // namespace
 
 Q_DECLARE_METATYPE(MeterMarker)
@@ -119,10 +126,7 @@ private slots:
         const double inf = std::numeric_limits<double>::infinity();
         MeterLayout layout;
         layout.place(input(440, 0, 10, 1e6, -1e6, inf, -inf));
-        QCOMPARE(layout.markerLeft(MeterMarker::Current), 426.0);
-        QCOMPARE(layout.markerLeft(MeterMarker::Minimum), 0.0);
-        QCOMPARE(layout.markerLeft(MeterMarker::Average), 426.0);
-        QCOMPARE(layout.markerLeft(MeterMarker::Maximum), 0.0);
+        QCOMPARE(lefts(layout), (QList{426.0, 0.0, 426.0, 0.0}));
     }
 
     // Before the second distinct weld a characteristic without limits has equal ends: the
@@ -131,18 +135,15 @@ private slots:
     {
         MeterLayout layout;
         QVERIFY(layout.place(input(440, 0, 10, 5, 2.5, 5, 7.5)));
-        const double current = layout.markerLeft(MeterMarker::Current);
-        const double maximum = layout.markerLeft(MeterMarker::Maximum);
+        const QList<double> placed = lefts(layout);
 
         QVERIFY(!layout.place(input(440, 3, 3, 3, 3, 3, 3)));
-        QCOMPARE(layout.markerLeft(MeterMarker::Current), current);
-        QCOMPARE(layout.markerLeft(MeterMarker::Maximum), maximum);
+        QCOMPARE(lefts(layout), placed);
         QCOMPARE(layout.scale(), 40.0);
 
-        // A narrower bar still holds them.
+        // A narrower bar still holds them: the maximum marker is pulled inside.
         QVERIFY(!layout.place(input(300, 3, 3, 3, 3, 3, 3)));
-        QCOMPARE(layout.markerLeft(MeterMarker::Current), current);
-        QCOMPARE(layout.markerLeft(MeterMarker::Maximum), 300 - kMarkerWidth - 3);
+        QCOMPARE(lefts(layout), (QList{placed[0], placed[1], placed[2], 300 - kMarkerWidth - 3}));
 
         // The next real range places them anew.
         QVERIFY(layout.place(input(440, 0, 10, 0, 0, 0, 0)));
@@ -154,8 +155,7 @@ private slots:
         MeterLayout layout;
         layout.place(input(440, 0, 10, 5, 2.5, 5, 7.5));
         layout.place(input(440, 0, 10, std::nan(""), 1, 1, 1));
-        QCOMPARE(layout.markerLeft(MeterMarker::Current), 214.5);
-        QCOMPARE(layout.markerLeft(MeterMarker::Minimum), 54.5);
+        QCOMPARE(lefts(layout).first(2), (QList{214.5, 54.5}));
     }
 };
 

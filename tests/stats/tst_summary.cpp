@@ -30,6 +30,27 @@ SummaryFigures figures(QVector<double> values, double lsl, double usl)
     return f;
 }
 
+// A summary dialog with its language and a report that records failures.
+struct SummaryDialog
+{
+    qlxLanguage language;
+    RecordingErrorReport errors;
+    dlgSummary dialog{language, errors};
+};
+
+// Values 5, 3, 7, 4, 6 with specification limits 4 .. 6 and warning limits 4.5 .. 5.5,
+// of which `flags` are set.
+void fillDataset(Dataset &dataset, int flags, std::initializer_list<double> values)
+{
+    dataset.LimitFlags = flags;
+    dataset.LowerSpecLimit = 4;
+    dataset.UpperSpecLimit = 6;
+    dataset.LowerWarningLimit = 4.5;
+    dataset.UpperWarningLimit = 5.5;
+    for (const double value : values)
+        dataset.AddValue(value);
+}
+
 qint64 binned(const Histogram &histogram)
 {
     qint64 sum = 0;
@@ -64,9 +85,8 @@ private slots:
         QFETCH(QVector<double>, values);
         QFETCH(int, below);
         QFETCH(int, above);
-        qlxLanguage language;
-        RecordingErrorReport errors;
-        dlgSummary dialog(language, errors);
+        SummaryDialog s;
+        dlgSummary &dialog = s.dialog;
         dialog.setFigures(figures(values, 100, 200));
         QCOMPARE(dialog.CountLSL(), below);
         QCOMPARE(dialog.CountUSL(), above);
@@ -75,7 +95,7 @@ private slots:
         QCOMPARE(labelText(dialog, "lblCountLSL"), QString::number(below));
         QCOMPARE(labelText(dialog, "lblCountUSL"), QString::number(above));
         QCOMPARE(labelText(dialog, "lblTotal"), QString::number(below + above));
-        QVERIFY(errors.isEmpty());
+        QVERIFY(s.errors.isEmpty());
     }
 
     void captionsGoThroughTheLanguage()
@@ -100,9 +120,8 @@ private slots:
 
     void figuresInTheNumberFormat()
     {
-        qlxLanguage language;
-        RecordingErrorReport errors;
-        dlgSummary dialog(language, errors);
+        SummaryDialog s;
+        dlgSummary &dialog = s.dialog;
         dialog.setLocale(QLocale(QLocale::German, QLocale::Germany));
         SummaryFigures f = figures({1, 2}, 0, 10);
         f.Minimum = 1;
@@ -121,9 +140,8 @@ private slots:
     // The histogram gets everything first and is then drawn once.
     void histogramIsFilledThenDrawn()
     {
-        qlxLanguage language;
-        RecordingErrorReport errors;
-        dlgSummary dialog(language, errors);
+        SummaryDialog s;
+        dlgSummary &dialog = s.dialog;
         SummaryFigures f = figures({-1, 0, 5, 5, 10, 11, 12}, 0, 10);
         f.WarningLower = 2;
         f.WarningUpper = 8;
@@ -132,10 +150,9 @@ private slots:
         Histogram *histogram = dialog.histogram();
         QCOMPARE(histogram->objectName(), QStringLiteral("ctlHistogram"));
         QVERIFY(!histogram->AutoRefresh());
-        QCOMPARE(histogram->LimitLower(), 0.0);
-        QCOMPARE(histogram->LimitUpper(), 10.0);
-        QCOMPARE(histogram->WarningLower(), 2.0);
-        QCOMPARE(histogram->WarningUpper(), 8.0);
+        QCOMPARE((QList{histogram->LimitLower(), histogram->LimitUpper(), histogram->WarningLower(),
+                        histogram->WarningUpper()}),
+                 (QList{0.0, 10.0, 2.0, 8.0}));
         QCOMPARE(histogram->values().size(), 7);
         // -0.5 .. 10.5: -1, 11 and 12 lie outside the drawing range.
         QCOMPARE(binned(*histogram), 4);
@@ -145,15 +162,14 @@ private slots:
     // filled before stay, and the failure is reported with the dialog's location.
     void failureLeavesTheLabelsFilledSoFar()
     {
-        qlxLanguage language;
-        RecordingErrorReport errors;
-        dlgSummary dialog(language, errors);
+        SummaryDialog s;
+        dlgSummary &dialog = s.dialog;
         dialog.setFigures(figures({1, 50, 300}, 200, 100));
         dialog.Form_Load();
-        QCOMPARE(errors.count(), 1);
-        QCOMPARE(errors.last().location, QStringLiteral("dlgSummary.Form_Load"));
-        QCOMPARE(errors.last().number, qint32(0x80040000u));
-        QCOMPARE(errors.last().description,
+        QCOMPARE(s.errors.count(), 1);
+        QCOMPARE(s.errors.last().location, QStringLiteral("dlgSummary.Form_Load"));
+        QCOMPARE(s.errors.last().number, qint32(0x80040000u));
+        QCOMPARE(s.errors.last().description,
                  QStringLiteral("Invalid Value! LimitLower > LimitUpper!"));
         QCOMPARE(labelText(dialog, "lblCountLSL"), QStringLiteral("2"));
         QCOMPARE(labelText(dialog, "lblCountUSL"), QStringLiteral("1"));
@@ -189,25 +205,15 @@ private slots:
         Dataset dataset(errors);
         dataset.Name = QStringLiteral("Weld Time");
         dataset.Decimals = QStringLiteral("3");
-        dataset.LimitFlags = flags;
-        dataset.LowerSpecLimit = 4;
-        dataset.UpperSpecLimit = 6;
-        dataset.LowerWarningLimit = 4.5;
-        dataset.UpperWarningLimit = 5.5;
-        for (const double value : {5.0, 3.0, 7.0, 4.0, 6.0})
-            dataset.AddValue(value);
+        fillDataset(dataset, flags, {5, 3, 7, 4, 6});
 
         qlxLanguage language;
         const auto dialog = dlgSummary::fromDataset(dataset, language, errors);
         const SummaryFigures &f = dialog->figures();
         QCOMPARE(f.Title, QStringLiteral("Weld Time"));
-        QCOMPARE(f.LSL, lsl);
-        QCOMPARE(f.USL, usl);
-        QCOMPARE(f.WarningLower, warningLower);
-        QCOMPARE(f.WarningUpper, warningUpper);
-        QCOMPARE(f.Minimum, 3.0);
-        QCOMPARE(f.Maximum, 7.0);
-        QCOMPARE(f.Average, 5.0);
+        QCOMPARE(
+            (QList{f.LSL, f.USL, f.WarningLower, f.WarningUpper, f.Minimum, f.Maximum, f.Average}),
+            (QList{lsl, usl, warningLower, warningUpper, 3.0, 7.0, 5.0}));
         QCOMPARE(f.NumberFormat, QStringLiteral("0.000"));
         QCOMPARE(f.Values, dataset.GetDataset());
 
@@ -222,10 +228,7 @@ private slots:
     {
         RecordingErrorReport errors;
         Dataset dataset(errors);
-        dataset.LimitFlags = Dataset::kLowerSpecLimit;
-        dataset.LowerSpecLimit = 50;
-        dataset.AddValue(10);
-        dataset.AddValue(20);
+        fillDataset(dataset, Dataset::kLowerSpecLimit, {1, 2});
         qlxLanguage language;
         const auto dialog = dlgSummary::fromDataset(dataset, language, errors);
         dialog->Form_Load();

@@ -114,6 +114,9 @@ protected:
 
 } // namespace
 
+using Limits = FixedLimitsSampling::Limits;
+Q_DECLARE_METATYPE(Limits)
+
 class TestCorvaneUsw : public QObject
 {
     Q_OBJECT
@@ -214,39 +217,27 @@ private slots:
     {
         // Limits relative to the energy of the weld shown (v); markers of minimum,
         // average and maximum, which are all v after one weld.
-        QTest::addColumn<int>("flags");
-        QTest::addColumn<double>("lowerSpec");
-        QTest::addColumn<double>("upperSpec");
-        QTest::addColumn<double>("lowerWarning");
-        QTest::addColumn<double>("upperWarning");
+        QTest::addColumn<Limits>("limits");
         QTest::addColumn<quint32>("bar"); // blue-green-red; 1 for the button face
         QTest::addColumn<quint32>("marker");
-
-        const int bothLimits = Dataset::kLowerSpecLimit | Dataset::kUpperSpecLimit;
-        const int withWarnings =
-            bothLimits | Dataset::kLowerWarningLimit | Dataset::kUpperWarningLimit;
-        QTest::newRow("no limits") << 0 << 0.0 << 0.0 << 0.0 << 0.0 << 1u << BgrColor::kBlack;
-        QTest::newRow("within") << withWarnings << -10.0 << 10.0 << -5.0 << 5.0 << BgrColor::kGreen
-                                << BgrColor::kBlack;
-        QTest::newRow("on the upper limit")
-            << bothLimits << -10.0 << 0.0 << 0.0 << 0.0 << BgrColor::kGreen << BgrColor::kBlack;
-        QTest::newRow("on the lower limit")
-            << bothLimits << 0.0 << 10.0 << 0.0 << 0.0 << BgrColor::kGreen << BgrColor::kBlack;
-        QTest::newRow("past a warning") << withWarnings << -10.0 << 10.0 << -5.0 << -1.0
-                                        << BgrColor::kYellow << BgrColor::kBlack;
-        QTest::newRow("above the upper") << withWarnings << -10.0 << -0.001 << -20.0 << -15.0
-                                         << BgrColor::kRed << BgrColor::kRed;
+        const int both = Dataset::kLowerSpecLimit | Dataset::kUpperSpecLimit;
+        const int warnings = both | Dataset::kLowerWarningLimit | Dataset::kUpperWarningLimit;
+        const quint32 black = BgrColor::kBlack;
+        QTest::newRow("no limits") << Limits{} << 1u << black;
+        QTest::newRow("within") << Limits{warnings, -10, 10, -5, 5} << BgrColor::kGreen << black;
+        QTest::newRow("on the upper limit") << Limits{both, -10, 0} << BgrColor::kGreen << black;
+        QTest::newRow("on the lower limit") << Limits{both, 0, 10} << BgrColor::kGreen << black;
+        QTest::newRow("past a warning")
+            << Limits{warnings, -10, 10, -5, -1} << BgrColor::kYellow << black;
+        QTest::newRow("above the upper")
+            << Limits{warnings, -10, -0.001, -20, -15} << BgrColor::kRed << BgrColor::kRed;
         QTest::newRow("below the lower")
-            << bothLimits << 0.001 << 10.0 << 0.0 << 0.0 << BgrColor::kRed << BgrColor::kRed;
+            << Limits{both, 0.001, 10} << BgrColor::kRed << BgrColor::kRed;
     }
 
     void barAndMarkerColours()
     {
-        QFETCH(int, flags);
-        QFETCH(double, lowerSpec);
-        QFETCH(double, upperSpec);
-        QFETCH(double, lowerWarning);
-        QFETCH(double, upperWarning);
+        QFETCH(Limits, limits);
         QFETCH(quint32, bar);
         QFETCH(quint32, marker);
 
@@ -258,8 +249,9 @@ private slots:
         face.arrive(welds(7, 7));
         face.stop();
         const double v = face.dataset(kEnergy).LastValue();
-        face.sampling->limits.insert(
-            kEnergy, {flags, v + lowerSpec, v + upperSpec, v + lowerWarning, v + upperWarning});
+        face.sampling->limits.insert(kEnergy,
+                                     {limits.flags, v + limits.lowerSpec, v + limits.upperSpec,
+                                      v + limits.lowerWarning, v + limits.upperWarning});
         face.start();
         face.arrive(welds(7, 7));
 

@@ -60,9 +60,34 @@ void addBackendRows()
     QTest::newRow("postgresql") << QStringLiteral("postgresql");
 }
 
-QString ScratchDatabase::serverDsn()
+bool connectTo(qlaDatabase6::SqlDatabase &database, const QString &dsn)
 {
-    return qEnvironmentVariable("CORVANE_TEST_PG_DSN");
+    database.setDataSourceName(dsn);
+    const bool connected = database.openConnection();
+    if (!connected)
+        qWarning("%s", qPrintable(database.lastErrorText()));
+    return connected;
+}
+
+void fillPlant(qlaDatabase6::Database &database)
+{
+    using qlaDatabase6::RecordKind;
+    database.createRecord(RecordKind::Group, QStringLiteral("Line 3"));
+    const qint64 part =
+        database.createRecord(RecordKind::Part, QStringLiteral("Housing"), QStringLiteral("Line 3"))
+            .id();
+    database.createRecord(RecordKind::Part, QStringLiteral("Cover"));
+    database.createRecord(RecordKind::Process, QStringLiteral("Seal weld"),
+                          QStringLiteral("Line 3"));
+    database.createRecord(RecordKind::Process, QStringLiteral("Spot weld"));
+    database.createRecord(RecordKind::Test, QStringLiteral("Weld Time"));
+    qlaDatabase6::SpecLimit limit;
+    limit.setPartId(part);
+    limit.setTestId(database.createRecord(RecordKind::Test, QStringLiteral("Energy")).id());
+    limit.setUpperSpecLimit(900);
+    limit.setLowerSpecLimit(700);
+    limit.setUpperWarningLimit(850);
+    database.setSpecLimit(limit);
 }
 
 ScratchDatabase::ScratchDatabase(const QString &backend)
@@ -76,24 +101,24 @@ ScratchDatabase::ScratchDatabase(const QString &backend)
         m_message = folder.errorString();
         return;
     }
-    m_dialect = Dialect::PostgreSQL;
-    if (serverDsn().isEmpty()) {
+    const QString serverDsn = qEnvironmentVariable("CORVANE_TEST_PG_DSN");
+    if (serverDsn.isEmpty()) {
         m_state = State::Skipped;
         m_message = QStringLiteral("CORVANE_TEST_PG_DSN is not set; run the tests under "
                                    "scripts/with-postgres.sh for the PostgreSQL cases");
         return;
     }
-    createOnServer();
+    createOnServer(serverDsn);
 }
 
-void ScratchDatabase::createOnServer()
+void ScratchDatabase::createOnServer(const QString &serverDsn)
 {
     DataSource server;
-    if (!DataSource::parse(serverDsn(), server, m_message))
+    if (!DataSource::parse(serverDsn, server, m_message))
         return;
     m_adminConnection = newConnectionName();
     Dialect dialect;
-    QSqlDatabase admin = openDataSource(serverDsn(), m_adminConnection, dialect, m_message);
+    QSqlDatabase admin = openDataSource(serverDsn, m_adminConnection, dialect, m_message);
     if (!admin.isOpen())
         return;
     m_serverDatabase = QStringLiteral("corvane_t_%1_%2")
@@ -143,32 +168,30 @@ RawConnection::~RawConnection()
     QSqlDatabase::removeDatabase(m_name);
 }
 
-bool RawConnection::exec(const QString &statement, const QVariantList &values)
+// Statements without values run as they are: the server cannot prepare every kind
+// (a function definition, for one).
+bool RawConnection::run(QSqlQuery &query, const QString &statement, const QVariantList &values)
 {
-    QSqlQuery query(m_database);
     bool ok = values.isEmpty() ? query.exec(statement) : query.prepare(statement);
-    if (ok && !values.isEmpty()) {
-        for (int i = 0; i < values.size(); ++i)
-            query.bindValue(i, values[i]);
+    for (int i = 0; ok && i < values.size(); ++i)
+        query.bindValue(i, values[i]);
+    if (ok && !values.isEmpty())
         ok = query.exec();
-    }
     if (!ok)
         m_error = query.lastError().text();
     return ok;
 }
 
+bool RawConnection::exec(const QString &statement, const QVariantList &values)
+{
+    QSqlQuery query(m_database);
+    return run(query, statement, values);
+}
+
 QVariant RawConnection::scalar(const QString &statement, const QVariantList &values)
 {
     QSqlQuery query(m_database);
-    bool ok = query.prepare(statement);
-    for (int i = 0; ok && i < values.size(); ++i)
-        query.bindValue(i, values[i]);
-    ok = ok && query.exec();
-    if (!ok) {
-        m_error = query.lastError().text();
-        return {};
-    }
-    return query.next() ? query.value(0) : QVariant();
+    return run(query, statement, values) && query.next() ? query.value(0) : QVariant();
 }
 
 int RawConnection::count(const QString &table)

@@ -1,8 +1,10 @@
 #pragma once
 
+#include "platform/spc/SqlDatabase.h"
 #include "platform/spc/SqlStatement.h"
 
 #include <QSqlDatabase>
+#include <QSqlQuery>
 #include <QString>
 #include <QVariant>
 
@@ -24,13 +26,9 @@ public:
     State state() const { return m_state; }
     const QString &message() const { return m_message; }
     const QString &dsn() const { return m_dsn; }
-    qlaDatabase6::Dialect dialect() const { return m_dialect; }
-
-    // The data source of the server under test, or empty.
-    static QString serverDsn();
 
 private:
-    void createOnServer();
+    void createOnServer(const QString &serverDsn);
 
     State m_state = State::Failed;
     QString m_message;
@@ -38,7 +36,6 @@ private:
     QString m_folder;
     QString m_serverDatabase;
     QString m_adminConnection;
-    qlaDatabase6::Dialect m_dialect = qlaDatabase6::Dialect::SQLite;
 };
 
 // A connection of the test's own to a data source, beside the one under test: to look
@@ -64,19 +61,39 @@ public:
     bool hasIndex(const QString &name);
 
 private:
+    bool run(QSqlQuery &query, const QString &statement, const QVariantList &values);
+
     QString m_name;
     QString m_error;
     QSqlDatabase m_database;
     qlaDatabase6::Dialect m_dialect = qlaDatabase6::Dialect::SQLite;
 };
 
-// Opens the scratch database of the data row's backend or skips the case.
-#define SCRATCH_DATABASE(scratch)                                                                  \
-    QFETCH(QString, backend);                                                                      \
+// Opens the scratch database of the given backend or skips the case.
+#define SCRATCH_DATABASE_ON(scratch, backend)                                                      \
     ScratchDatabase scratch(backend);                                                              \
     if (scratch.state() == ScratchDatabase::State::Skipped)                                        \
         QSKIP(qPrintable(scratch.message()));                                                      \
     QVERIFY2(scratch.state() == ScratchDatabase::State::Ready, qPrintable(scratch.message()))
 
+// Opens the scratch database of the data row's backend or skips the case.
+#define SCRATCH_DATABASE(scratch)                                                                  \
+    QFETCH(QString, backend);                                                                      \
+    SCRATCH_DATABASE_ON(scratch, backend)
+
+// The scratch database of the data row's backend and a database object connected to it.
+#define CONNECTED_SCRATCH_DATABASE(scratch, database)                                              \
+    SCRATCH_DATABASE(scratch);                                                                     \
+    qlaDatabase6::SqlDatabase database;                                                            \
+    QVERIFY(connectTo(database, scratch.dsn()))
+
 // The two backends as a data column named "backend".
 void addBackendRows();
+
+// Connects a database object to a data source; a failure is logged with its reason.
+bool connectTo(qlaDatabase6::SqlDatabase &database, const QString &dsn);
+
+// Parts, processes and tests of a plant: "Housing" and "Seal weld" in the group
+// "Line 3", "Cover" and "Spot weld" in no group, the tests "Weld Time" and "Energy",
+// and limits for Housing's Energy (upper 900, lower 700, upper warning 850).
+void fillPlant(qlaDatabase6::Database &database);

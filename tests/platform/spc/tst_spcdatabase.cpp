@@ -14,26 +14,13 @@ namespace {
 
 const QDateTime kPeriodEnd(QDate(2026, 11, 14), QTime(22, 10, 0, 250));
 
-SubgroupHeader header(const QString &part, const QDateTime &time)
-{
-    SubgroupHeader header;
-    header.flag = true;
-    header.valueCount = 3;
-    header.dateTime = time;
-    header.partGroup = QStringLiteral("Line 3");
-    header.part = part;
-    header.processGroup = QStringLiteral("Corvane");
-    header.process = QStringLiteral("Seal weld");
-    header.sourceTag = QStringLiteral("Corvane");
-    return header;
-}
-
 // A period of three welds: two sampled characteristics, the weld rate and one alarm
 // group with two alarms, the way the monitor writes it.
 Subgroup periodSubgroup(const QString &part, const QDateTime &time)
 {
     Subgroup subgroup;
-    subgroup.setHeader(header(part, time));
+    subgroup.setHeader({true, 3, time, QStringLiteral("Line 3"), part, QStringLiteral("Corvane"),
+                        QStringLiteral("Seal weld"), QStringLiteral("Corvane")});
     subgroup.AddTestItem(QStringLiteral("Energy"), TestItem::kMeasuredValue);
     subgroup.addValue(1, 812.5);
     subgroup.addValue(2, 799.25);
@@ -48,13 +35,31 @@ Subgroup periodSubgroup(const QString &part, const QDateTime &time)
     return subgroup;
 }
 
-bool connectTo(SqlDatabase &database, const QString &dsn)
+// A stored value with its subgroup's header, as text to compare.
+QStringList valueText(qint64 subgroup, const SubgroupHeader &h, const QString &item, int kind,
+                      const SubgroupValue &value)
 {
-    database.setDataSourceName(dsn);
-    const bool connected = database.openConnection();
-    if (!connected)
-        qWarning("%s", qPrintable(database.lastErrorText()));
-    return connected;
+    return {QString::number(subgroup),
+            QString::number(h.dateTime.toMSecsSinceEpoch()),
+            h.partGroup,
+            h.part,
+            h.processGroup,
+            h.process,
+            h.sourceTag,
+            QString::number(h.valueCount),
+            QString::number(h.flag),
+            item,
+            QString::number(kind),
+            QString::number(value.sampleNumber),
+            QString::number(value.value, 'g', 17),
+            value.text};
+}
+
+// The five limits and the flag word of a part's and test's limit record.
+QList<double> limitsOf(const SpecLimit &limit)
+{
+    return {double(limit.limitFlags()), limit.upperSpecLimit(), limit.lowerSpecLimit(),
+            limit.upperWarningLimit(), limit.lowerWarningLimit()};
 }
 
 } // namespace
@@ -66,8 +71,8 @@ class TestSpcDatabase : public QObject
     Q_OBJECT
 
 private slots:
-    void createsSchemaOnFirstConnection_data() { addBackendRows(); }
-    void createsSchemaOnFirstConnection()
+    void connectionsCreateSchemaAndStayIndependent_data() { addBackendRows(); }
+    void connectionsCreateSchemaAndStayIndependent()
     {
         SCRATCH_DATABASE(scratch);
         {
@@ -87,11 +92,27 @@ private slots:
                      table);
         QCOMPARE(raw.count(QStringLiteral("schema_version")), 1);
 
-        // A second connection finds the schema in place and leaves it as it is.
-        SqlDatabase again;
-        QVERIFY(connectTo(again, scratch.dsn()));
+        // A second connection finds the schema in place and leaves it as it is; the two
+        // connections are independent of each other.
+        SqlDatabase writer;
+        QVERIFY(connectTo(writer, scratch.dsn()));
         QCOMPARE(raw.count(QStringLiteral("schema_version")), 1);
-        QCOMPARE(again.schemaVersion(), Schema::latestVersion());
+        QCOMPARE(writer.schemaVersion(), Schema::latestVersion());
+        {
+            SqlDatabase reader;
+            QVERIFY(connectTo(reader, scratch.dsn()));
+            QVERIFY(reader.connectionName() != writer.connectionName());
+            writer.createRecord(RecordKind::Part, QStringLiteral("Housing"));
+            QCOMPARE(reader.listRecords(RecordKind::Part).size(), 1);
+        }
+        QVERIFY(writer.isConnected());
+        QCOMPARE(writer.listRecords(RecordKind::Part).size(), 1);
+
+        // Another data source: the connection to the old one ends and is not made again
+        // behind the user's back.
+        writer.setDataSourceName(scratch.dsn() + QStringLiteral("-other"));
+        QVERIFY(!writer.isConnected());
+        QVERIFY_THROWS_EXCEPTION(ProgramError, writer.listRecords(RecordKind::Part));
     }
 
     void migratesOlderVersionForward_data() { addBackendRows(); }
@@ -147,12 +168,10 @@ private slots:
         QCOMPARE(Schema::currentVersion(raw.database(), raw.dialect()), future);
     }
 
-    void namesAreUniqueAndLookupsExact_data() { addBackendRows(); }
-    void namesAreUniqueAndLookupsExact()
+    void namesAreUniqueLookupsExactListsFiltered_data() { addBackendRows(); }
+    void namesAreUniqueLookupsExactListsFiltered()
     {
-        SCRATCH_DATABASE(scratch);
-        SqlDatabase database;
-        QVERIFY(connectTo(database, scratch.dsn()));
+        CONNECTED_SCRATCH_DATABASE(scratch, database);
         const Record created = database.createRecord(RecordKind::Part, QStringLiteral("Housing A"));
         QVERIFY(created.id() > 0);
         // Another kind may carry the same name.
@@ -188,14 +207,8 @@ private slots:
         QVERIFY(part.load(database));
         QCOMPARE(part.id(), created.id());
         QCOMPARE(part.groupId(), qint64(0));
-    }
 
-    void listsRecordsByFilter_data() { addBackendRows(); }
-    void listsRecordsByFilter()
-    {
-        SCRATCH_DATABASE(scratch);
-        SqlDatabase database;
-        QVERIFY(connectTo(database, scratch.dsn()));
+        // Lists are filtered by a part of the name in any case.
         for (const char *name : {"horn_7", "Horn 7", "anvil 100%", "Booster"})
             database.createRecord(RecordKind::Test, QLatin1String(name));
         const auto names = [&](const QString &filter) {
@@ -205,6 +218,7 @@ private slots:
             return found;
         };
         QCOMPARE(names({}), QStringList({"anvil 100%", "Booster", "Horn 7", "horn_7"}));
+        QCOMPARE(database.listRecords(RecordKind::Part).size(), 1);
         QCOMPARE(names(QStringLiteral("HORN")), QStringList({"Horn 7", "horn_7"}));
         // Pattern characters in a filter stand for themselves.
         QCOMPARE(names(QStringLiteral("_")), QStringList({"horn_7"}));
@@ -215,56 +229,49 @@ private slots:
     void limitsCarryTheirFlagWord_data() { addBackendRows(); }
     void limitsCarryTheirFlagWord()
     {
-        SCRATCH_DATABASE(scratch);
-        SqlDatabase database;
-        QVERIFY(connectTo(database, scratch.dsn()));
+        CONNECTED_SCRATCH_DATABASE(scratch, database);
         const Record part = database.createRecord(RecordKind::Part, QStringLiteral("Housing"));
         const Record energy = database.createRecord(RecordKind::Test, QStringLiteral("Energy"));
         const Record time = database.createRecord(RecordKind::Test, QStringLiteral("Weld Time"));
-        const auto load = [&](qint64 testId) {
+        const auto limitFor = [&](qint64 testId) {
             SpecLimit limit;
             limit.setPartId(part.id());
             limit.setTestId(testId);
+            return limit;
+        };
+        const auto load = [&](qint64 testId) {
+            SpecLimit limit = limitFor(testId);
             limit.load(database);
             return limit;
         };
 
-        SpecLimit limit;
-        limit.setPartId(part.id());
-        limit.setTestId(energy.id());
+        SpecLimit limit = limitFor(energy.id());
         limit.setUpperSpecLimit(812.5);
         limit.setLowerWarningLimit(-2.25);
         database.setSpecLimit(limit);
-        SpecLimit stored = load(energy.id());
-        QCOMPARE(stored.limitFlags(), SpecLimit::kUpperSpecLimit | SpecLimit::kLowerWarningLimit);
-        QCOMPARE(stored.upperSpecLimit(), 812.5);
-        QCOMPARE(stored.lowerWarningLimit(), -2.25);
-        QCOMPARE(stored.lowerSpecLimit(), 0.0);
-        QCOMPARE(stored.upperWarningLimit(), 0.0);
+        QCOMPARE(limitsOf(load(energy.id())),
+                 (QList<double>{SpecLimit::kUpperSpecLimit | SpecLimit::kLowerWarningLimit, 812.5,
+                                0, 0, -2.25}));
         QCOMPARE(load(time.id()).limitFlags(), 0);
 
         // Setting again replaces the whole record.
-        SpecLimit replacement;
-        replacement.setPartId(part.id());
-        replacement.setTestId(energy.id());
+        SpecLimit replacement = limitFor(energy.id());
         replacement.setLowerSpecLimit(1.0 / 3.0);
         replacement.setUpperWarningLimit(700);
         database.setSpecLimit(replacement);
-        stored = load(energy.id());
-        QCOMPARE(stored.limitFlags(), SpecLimit::kLowerSpecLimit | SpecLimit::kUpperWarningLimit);
-        QCOMPARE(stored.lowerSpecLimit(), 1.0 / 3.0);
-        QCOMPARE(stored.upperSpecLimit(), 0.0);
+        QCOMPARE(limitsOf(load(energy.id())),
+                 (QList<double>{SpecLimit::kLowerSpecLimit | SpecLimit::kUpperWarningLimit, 0,
+                                1.0 / 3.0, 700, 0}));
 
         SpecLimit inverted = replacement;
         inverted.setUpperSpecLimit(0.25);
         QVERIFY_THROWS_EXCEPTION(ProgramError, database.setSpecLimit(inverted));
-        QCOMPARE(load(energy.id()).limitFlags(), replacement.limitFlags());
+        QCOMPARE(limitsOf(load(energy.id())), limitsOf(replacement));
 
         const QList<SpecLimit> listed = database.listSpecLimits();
         QCOMPARE(listed.size(), 1);
-        QCOMPARE(listed.first().partName(), QStringLiteral("Housing"));
-        QCOMPARE(listed.first().testName(), QStringLiteral("Energy"));
-        QCOMPARE(listed.first().upperWarningLimit(), 700.0);
+        QCOMPARE(listed.first().partName() + u'/' + listed.first().testName(), "Housing/Energy");
+        QCOMPARE(limitsOf(listed.first()), limitsOf(replacement));
 
         QVERIFY(database.clearSpecLimit(part.id(), energy.id()));
         QVERIFY(!database.clearSpecLimit(part.id(), energy.id()));
@@ -275,9 +282,7 @@ private slots:
     void subgroupStoredWhole_data() { addBackendRows(); }
     void subgroupStoredWhole()
     {
-        SCRATCH_DATABASE(scratch);
-        SqlDatabase database;
-        QVERIFY(connectTo(database, scratch.dsn()));
+        CONNECTED_SCRATCH_DATABASE(scratch, database);
         const Subgroup first = periodSubgroup(QStringLiteral("Housing"), kPeriodEnd);
         const Subgroup second =
             periodSubgroup(QStringLiteral("Cover"), kPeriodEnd.addSecs(300).addMSecs(-250));
@@ -286,30 +291,19 @@ private slots:
         QVERIFY(firstId > 0);
         QVERIFY(secondId > firstId);
 
-        const QList<StoredValue> rows = database.subgroupValues({});
-        QCOMPARE(rows.size(), 2 * first.storedValueCount());
-        qsizetype row = 0;
-        for (const Subgroup *subgroup : {&first, &second}) {
+        QList<QStringList> stored;
+        for (const StoredValue &row : database.subgroupValues({})) {
+            stored.append(valueText(row.subgroupId, row.header, row.testItem, row.kind,
+                                    {row.sampleNumber, row.value, row.text}));
+        }
+        QList<QStringList> expected;
+        for (const auto &[id, subgroup] : {std::pair{firstId, &first}, {secondId, &second}}) {
             for (const TestItem &item : subgroup->testItems()) {
-                for (const SubgroupValue &value : item.values) {
-                    const StoredValue &stored = rows.at(row++);
-                    QCOMPARE(stored.subgroupId, subgroup == &first ? firstId : secondId);
-                    QCOMPARE(stored.header.dateTime, subgroup->header().dateTime);
-                    QCOMPARE(stored.header.part, subgroup->header().part);
-                    QCOMPARE(stored.header.partGroup, QStringLiteral("Line 3"));
-                    QCOMPARE(stored.header.process, QStringLiteral("Seal weld"));
-                    QCOMPARE(stored.header.processGroup, QStringLiteral("Corvane"));
-                    QCOMPARE(stored.header.sourceTag, QStringLiteral("Corvane"));
-                    QCOMPARE(stored.header.valueCount, 3);
-                    QVERIFY(stored.header.flag);
-                    QCOMPARE(stored.testItem, item.name);
-                    QCOMPARE(stored.kind, item.kind);
-                    QCOMPARE(stored.sampleNumber, value.sampleNumber);
-                    QCOMPARE(stored.value, value.value);
-                    QCOMPARE(stored.text, value.text);
-                }
+                for (const SubgroupValue &value : item.values)
+                    expected.append(valueText(id, subgroup->header(), item.name, item.kind, value));
             }
         }
+        QCOMPARE(stored, expected);
         RawConnection raw(scratch.dsn());
         QCOMPARE(raw.count(QStringLiteral("sample_values WHERE value_text IS NULL")), 2 * 5);
 
@@ -376,10 +370,7 @@ private slots:
 
     void lostServerConnectionIsMadeAgain()
     {
-        ScratchDatabase scratch(QStringLiteral("postgresql"));
-        if (scratch.state() == ScratchDatabase::State::Skipped)
-            QSKIP(qPrintable(scratch.message()));
-        QVERIFY2(scratch.state() == ScratchDatabase::State::Ready, qPrintable(scratch.message()));
+        SCRATCH_DATABASE_ON(scratch, QStringLiteral("postgresql"));
         SqlDatabase database;
         QVERIFY(connectTo(database, scratch.dsn()));
         qint64 backendPid = 0;
@@ -403,10 +394,7 @@ private slots:
 
     void serverPasswordFromPasswordFile()
     {
-        ScratchDatabase scratch(QStringLiteral("postgresql"));
-        if (scratch.state() == ScratchDatabase::State::Skipped)
-            QSKIP(qPrintable(scratch.message()));
-        QVERIFY2(scratch.state() == ScratchDatabase::State::Ready, qPrintable(scratch.message()));
+        SCRATCH_DATABASE_ON(scratch, QStringLiteral("postgresql"));
         const QByteArray password = qgetenv("PGPASSWORD");
         if (password.isEmpty())
             QSKIP("the test server asks for no password");
@@ -459,29 +447,6 @@ private slots:
         Part part;
         part.setName(QStringLiteral("Housing"));
         QVERIFY_THROWS_EXCEPTION(ProgramError, part.load(database));
-    }
-
-    void connectionsAreIndependent_data() { addBackendRows(); }
-    void connectionsAreIndependent()
-    {
-        SCRATCH_DATABASE(scratch);
-        SqlDatabase writer;
-        QVERIFY(connectTo(writer, scratch.dsn()));
-        {
-            SqlDatabase reader;
-            QVERIFY(connectTo(reader, scratch.dsn()));
-            QVERIFY(reader.connectionName() != writer.connectionName());
-            writer.createRecord(RecordKind::Part, QStringLiteral("Housing"));
-            QCOMPARE(reader.listRecords(RecordKind::Part).size(), 1);
-        }
-        QVERIFY(writer.isConnected());
-        QCOMPARE(writer.listRecords(RecordKind::Part).size(), 1);
-
-        // Another data source: the connection to the old one ends and is not made again
-        // behind the user's back.
-        writer.setDataSourceName(scratch.dsn() + QStringLiteral("-other"));
-        QVERIFY(!writer.isConnected());
-        QVERIFY_THROWS_EXCEPTION(ProgramError, writer.listRecords(RecordKind::Part));
     }
 };
 

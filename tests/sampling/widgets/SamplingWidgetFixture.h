@@ -145,17 +145,16 @@ struct SamplingWidgetFixture
         database.setDataSourceName(dsn);
         if (!database.openConnection())
             return false;
-        database.createRecord(RecordKind::Group, QStringLiteral("Brackets"));
-        database.createRecord(RecordKind::Group, QStringLiteral("Assembly"));
-        database.createRecord(RecordKind::Part, QStringLiteral("BRK-200"),
-                              QStringLiteral("Brackets"));
-        database.createRecord(RecordKind::Part, QStringLiteral("BRK-100"),
-                              QStringLiteral("Brackets"));
-        database.createRecord(RecordKind::Part, QStringLiteral("HSG-7"));
-        database.createRecord(RecordKind::Process, QStringLiteral("Welding"),
-                              QStringLiteral("Assembly"));
-        database.createRecord(RecordKind::Process, QStringLiteral("Staking"),
-                              QStringLiteral("Assembly"));
+        const std::tuple<RecordKind, const char *, const char *> records[] = {
+            {RecordKind::Group, "Brackets", ""},
+            {RecordKind::Group, "Assembly", ""},
+            {RecordKind::Part, "BRK-200", "Brackets"},
+            {RecordKind::Part, "BRK-100", "Brackets"},
+            {RecordKind::Part, "HSG-7", ""},
+            {RecordKind::Process, "Welding", "Assembly"},
+            {RecordKind::Process, "Staking", "Assembly"}};
+        for (const auto &[kind, name, group] : records)
+            database.createRecord(kind, QLatin1String(name), QLatin1String(group));
         database.closeConnection();
         return true;
     }

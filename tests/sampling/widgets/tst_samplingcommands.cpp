@@ -30,6 +30,12 @@ struct MonitorCase
         monitor->Initialize(fixture.language, 0);
     }
 
+    bool configure()
+    {
+        return SamplingCommands::ConfigureSampling(*monitor, fixture.language, fixture.services(),
+                                                   fixture.support);
+    }
+
     SamplingProperties &sampling()
     {
         return dynamic_cast<SamplingProperties &>(monitor->sampling());
@@ -58,8 +64,7 @@ private slots:
         fixture.language.setText(4785, QStringLiteral("Bitte an den Administrator wenden."));
         {
             ModalAnswer dialog(QStringLiteral("dlgSampling"), [](QDialog *) {});
-            QVERIFY(!SamplingCommands::ConfigureSampling(*test.monitor, fixture.language,
-                                                         fixture.services(), fixture.support));
+            QVERIFY(!test.configure());
             QTest::qWait(50);
             QVERIFY(!dialog.seen());
         }
@@ -73,8 +78,7 @@ private slots:
         fixture.libraryInstalled = true;
         ModalAnswer opened(QStringLiteral("dlgSampling"),
                            [](QDialog *sampling) { click(sampling, "CancelButton"); });
-        SamplingCommands::ConfigureSampling(*test.monitor, fixture.language, fixture.services(),
-                                            fixture.support);
+        test.configure();
         QVERIFY(opened.seen());
         QCOMPARE(fixture.messages.count(), 1);
     }
@@ -90,9 +94,7 @@ private slots:
                 tick(sampling, "chkEnableSampling");
                 click(sampling, "CancelButton");
             });
-            QVERIFY(!SamplingCommands::ConfigureSampling(*test.monitor, test.fixture.language,
-                                                         test.fixture.services(),
-                                                         test.fixture.support));
+            QVERIFY(!test.configure());
             QVERIFY(dialog.seen());
             QVERIFY(!test.sampling().Enabled());
             QCOMPARE(refreshes.count(), 0);
@@ -108,8 +110,7 @@ private slots:
             click(sampling, "OKButton");
         });
         test.sampling().setPart(QStringLiteral("BRK-100"));
-        QVERIFY(SamplingCommands::ConfigureSampling(*test.monitor, test.fixture.language,
-                                                    test.fixture.services(), test.fixture.support));
+        QVERIFY(test.configure());
         QVERIFY(dialog.seen());
         QCOMPARE(shownPart, QStringLiteral("BRK-100"));
         QVERIFY(test.sampling().Enabled());
@@ -140,8 +141,7 @@ private slots:
         QSignalSpy itemStates(test.monitor.get(), &EquipmentMonitor::displayItemsEnabledChanged);
         ModalAnswer dialog(QStringLiteral("dlgSampling"),
                            [](QDialog *sampling) { click(sampling, "OKButton"); });
-        QVERIFY(SamplingCommands::ConfigureSampling(*test.monitor, test.fixture.language,
-                                                    test.fixture.services(), test.fixture.support));
+        QVERIFY(test.configure());
         QVERIFY(dialog.seen());
         QCOMPARE(itemStates.count(), 1);
         QCOMPARE(itemStates.last().first().toBool(), false);

@@ -61,18 +61,17 @@ private slots:
         QTest::addColumn<QString>("unit");
         QTest::addColumn<int>("unitSeconds");
         // Minutes are translated, to see the list go through the language tables.
-        QTest::newRow("five minutes") << 300 << "5"
-                                      << "Minuten" << 60;
-        QTest::newRow("an hour") << 3600 << "1"
-                                 << "Hours" << 3600;
-        QTest::newRow("a shift") << 28800 << "8"
-                                 << "Hours" << 3600;
-        QTest::newRow("ninety seconds") << 90 << "90"
-                                        << "Seconds" << 1;
-        QTest::newRow("ninety minutes") << 5400 << "90"
-                                        << "Minuten" << 60;
-        QTest::newRow("nothing") << 0 << "0"
-                                 << "Hours" << 3600;
+        const auto row = [](const char *name, int seconds, const char *number, const char *unit,
+                            int unitSeconds) {
+            QTest::newRow(name) << seconds << QString::fromUtf8(number) << QString::fromUtf8(unit)
+                                << unitSeconds;
+        };
+        row("five minutes", 300, "5", "Minuten", 60);
+        row("an hour", 3600, "1", "Hours", 3600);
+        row("a shift", 28800, "8", "Hours", 3600);
+        row("ninety seconds", 90, "90", "Seconds", 1);
+        row("ninety minutes", 5400, "90", "Minuten", 60);
+        row("nothing", 0, "0", "Hours", 3600);
     }
 
     void periodShowsInTheLargestEvenUnit()
@@ -185,27 +184,24 @@ private slots:
         DialogCase test;
         test.fixture.language.setText(6461, QStringLiteral("Overload (translated)"));
         dlgSampling &dialog = test.open();
-        const QStringList captions = {
-            QStringLiteral("Reject Part Alarms"),
-            QStringLiteral("Suspect Part Alarms"),
-            QStringLiteral("No Cycle Alarms"),
-            QStringLiteral("Overload (translated)"),
-            QStringLiteral("Equipment Failure Alarms"),
-            QStringLiteral("Cycle Modified Alarms"),
-            QStringLiteral("Note Alarms"),
-        };
-        for (int index = 0; index < dlgSampling::kAlarmGroupCount; ++index)
-            QCOMPARE(control<QCheckBox>(&dialog, alarmBox(index).constData())->text(),
-                     captions[index]);
+        QStringList captions;
         const auto enabledCount = [&] {
             int enabled = 0;
-            for (int index = 0; index < dlgSampling::kAlarmGroupCount; ++index)
-                enabled += control<QCheckBox>(&dialog, alarmBox(index).constData())->isEnabled();
+            captions.clear();
+            for (int index = 0; index < dlgSampling::kAlarmGroupCount; ++index) {
+                auto *box = control<QCheckBox>(&dialog, alarmBox(index).constData());
+                enabled += box->isEnabled();
+                captions.append(box->text());
+            }
             return enabled;
         };
 
         // Logging is off in new settings: the groups start locked.
         QCOMPARE(enabledCount(), 0);
+        QCOMPARE(captions.join(u','), QStringLiteral("Reject Part Alarms,Suspect Part Alarms,"
+                                                     "No Cycle Alarms,Overload (translated),"
+                                                     "Equipment Failure Alarms,"
+                                                     "Cycle Modified Alarms,Note Alarms"));
         tick(&dialog, "chkEnableAlarmLogging");
         QCOMPARE(enabledCount(), 7);
         tick(&dialog, "chkEnableAlarmLogging");

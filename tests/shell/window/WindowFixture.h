@@ -16,6 +16,13 @@
 #include <QTabBar>
 #include <QTemporaryDir>
 
+// One Configuration element for a fake monitor.
+inline QString welder(const QString &name, const QString &extra = {})
+{
+    return QStringLiteral("<Configuration%1><Equipment Name=\"%2\"/></Configuration>")
+        .arg(extra, name);
+}
+
 // A welder's monitor without a welder: it keeps the Configuration element it was given
 // (a new one is named "New"), refuses one that carries Refuse="1", samples when it
 // carries Sampling="1", and collects (DriverState 2) between StartStop calls.
@@ -30,31 +37,21 @@ public:
     bool Load(const QString &xml) override
     {
         QDomDocument document;
-        document.setContent(xml.isEmpty() ? QStringLiteral("<Configuration><Equipment "
-                                                           "Name=\"New\"/></Configuration>")
-                                          : xml);
-        if (refuseAll || element(document).attribute(QStringLiteral("Refuse")) == u'1')
+        document.setContent(xml.isEmpty() ? welder(QStringLiteral("New")) : xml);
+        if (refuseAll || document.documentElement().attribute(QStringLiteral("Refuse")) == u'1')
             return false;
         m_document = document;
         m_state = 1;
         return true;
     }
     QDomElement GetXMLNode() const override { return m_document.documentElement(); }
-    bool ShutDown() override
-    {
-        ++shutDowns;
-        m_state = 0;
-        return true;
-    }
+    bool ShutDown() override { return ++shutDowns, m_state = 0, true; }
     int DriverState() const override { return m_state; }
     QString identifier() const override { return m_key; }
-    QString configurationName() const override
-    {
-        return equipment().attribute(QStringLiteral("Name"));
-    }
+    QString configurationName() const override { return equipment().attribute("Name"); }
     bool SPCSamplingEnabled() const override
     {
-        return element(m_document).attribute(QStringLiteral("Sampling")) == u'1';
+        return m_document.documentElement().attribute(QStringLiteral("Sampling")) == u'1';
     }
     void StartStop() override { m_state = m_state == 1 ? 2 : 1; }
     void StartDataCollection() override { m_state = 2; }
@@ -66,10 +63,9 @@ public:
     int shutDowns = 0;
 
 private:
-    static QDomElement element(const QDomDocument &document) { return document.documentElement(); }
     QDomElement equipment() const
     {
-        return element(m_document).firstChildElement(QStringLiteral("Equipment"));
+        return m_document.documentElement().firstChildElement(QStringLiteral("Equipment"));
     }
 
     QString m_key;
@@ -77,38 +73,38 @@ private:
     int m_state = 0;
 };
 
-// The Configure dialogs answered by the test: Equipment Settings renames the monitor to
-// the next lined-up name and confirms, or cancels when none is left.
+// The Configure dialogs answered by the test, each call kept as (command, monitor,
+// parent): Equipment Settings renames the monitor to the next lined-up name and
+// confirms, or cancels when none is left.
 class ScriptedCommands : public ConfigurationCommands
 {
 public:
+    using Call = std::tuple<QString, ConfigurationMonitor *, QWidget *>;
+
     bool ConfigureEquipment(ConfigurationMonitor &monitor, const Context &context) override
     {
-        calls.append({QStringLiteral("equipment"), &monitor, context.parent});
-        if (names.isEmpty())
+        if (!record("equipment", monitor, context) || names.isEmpty())
             return false;
         static_cast<FakeMonitor &>(monitor).setName(names.takeFirst());
         return true;
     }
     bool ConfigureDataLogging(ConfigurationMonitor &monitor, const Context &context) override
     {
-        calls.append({QStringLiteral("data logging"), &monitor, context.parent});
-        return true;
+        return record("data logging", monitor, context);
     }
     bool ConfigureSampling(ConfigurationMonitor &monitor, const Context &context) override
     {
-        calls.append({QStringLiteral("sampling"), &monitor, context.parent});
-        return true;
+        return record("sampling", monitor, context);
     }
 
-    struct Call
-    {
-        QString command;
-        ConfigurationMonitor *monitor;
-        QWidget *parent;
-    };
     QStringList names;
     QList<Call> calls;
+
+private:
+    bool record(const char *command, ConfigurationMonitor &monitor, const Context &context)
+    {
+        return calls.append({QLatin1String(command), &monitor, context.parent}), true;
+    }
 };
 
 // A main window over fake monitors (each shown by a label) in a data folder of its own,
@@ -132,23 +128,23 @@ struct WindowFixture
 
     QString path(const QString &name) const { return folder.filePath(name); }
 
-    static void write(const QString &path, const QByteArray &bytes)
+    // Writes or reads a file of the data folder; one that cannot be read reads as
+    // "<unreadable>".
+    void write(const QString &name, const QByteArray &bytes) const
     {
-        QFile file(path);
+        QFile file(path(name));
         if (file.open(QIODevice::WriteOnly))
             file.write(bytes);
     }
-
+    QByteArray read(const QString &name = QStringLiteral("corvane-monitor.cfg")) const
+    {
+        QFile file(path(name));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<unreadable>");
+    }
     void writeConfigurations(const QStringList &elements) const
     {
-        write(path(QStringLiteral("corvane-monitor.cfg")),
+        write(QStringLiteral("corvane-monitor.cfg"),
               ("<Configurations>" + elements.join(QString()) + "</Configurations>").toUtf8());
-    }
-
-    QByteArray readConfigurations() const
-    {
-        QFile file(path(QStringLiteral("corvane-monitor.cfg")));
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<unreadable>");
     }
 
     dlgMain &open()
@@ -204,10 +200,3 @@ struct WindowFixture
     QList<QLabel *> views;
     std::unique_ptr<dlgMain> window;
 };
-
-// One Configuration element for a fake monitor.
-inline QString welder(const QString &name, const QString &extra = {})
-{
-    return QStringLiteral("<Configuration%1><Equipment Name=\"%2\"/></Configuration>")
-        .arg(extra, name);
-}

@@ -34,9 +34,15 @@ private:
 
     static void openConfigurationMenu(dlgMain &window)
     {
-        QMenu *menu = window.menus().mnuConfiguration;
-        menu->popup(QPoint(0, 0));
-        menu->hide();
+        window.menus().mnuConfiguration->popup(QPoint(0, 0));
+        window.menus().mnuConfiguration->hide();
+    }
+
+    static void writeFile(const QString &path, const QByteArray &bytes)
+    {
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(bytes);
     }
 
     static EquipmentMonitor &monitorOf(dlgMain &window, int slot)
@@ -60,24 +66,20 @@ private slots:
         QVERIFY(supply2.listen(QHostAddress::LocalHost));
         const QString data = m_folder.filePath(QStringLiteral("data"));
         QVERIFY(QDir().mkpath(data));
-        QFile preferences(QDir(data).filePath(QStringLiteral("corvane-monitor.ini")));
-        QVERIFY(preferences.open(QIODevice::WriteOnly));
-        preferences.write("[PREFERENCES]\nMEASUREMENT_SYSTEM=0\n");
-        preferences.close();
+        writeFile(QDir(data).filePath(QStringLiteral("corvane-monitor.ini")),
+                  "[PREFERENCES]\nMEASUREMENT_SYSTEM=0\n");
         QFile configurations(QDir(data).filePath(QStringLiteral("corvane-monitor.cfg")));
-        QVERIFY(configurations.open(QIODevice::WriteOnly));
-        configurations.write(
-            QStringLiteral("<Configurations>"
-                           "<Configuration><Equipment Name=\"Press 1\" "
-                           "Settings=\"IP:127.0.0.1:%1\"/><List Index=\"0\" ItemData=\"2\"/>"
-                           "</Configuration>"
-                           "<Configuration><Equipment Name=\"Press 2\" "
-                           "Settings=\"IP:127.0.0.1:%2\"/></Configuration>"
-                           "</Configurations>")
-                .arg(supply1.serverPort())
-                .arg(supply2.serverPort())
-                .toUtf8());
-        configurations.close();
+        writeFile(configurations.fileName(),
+                  QStringLiteral("<Configurations>"
+                                 "<Configuration><Equipment Name=\"Press 1\" "
+                                 "Settings=\"IP:127.0.0.1:%1\"/><List Index=\"0\" ItemData=\"2\"/>"
+                                 "</Configuration>"
+                                 "<Configuration><Equipment Name=\"Press 2\" "
+                                 "Settings=\"IP:127.0.0.1:%2\"/></Configuration>"
+                                 "</Configurations>")
+                      .arg(supply1.serverPort())
+                      .arg(supply2.serverPort())
+                      .toUtf8());
 
         StartupOptions options;
         options.program.dataFolder = data;
@@ -87,6 +89,7 @@ private slots:
         dlgMain window(services.windowServices());
         window.Form_Load();
         window.show();
+        const MainMenus &menus = window.menus();
 
         QCOMPARE(window.ConfigurationCount(), 2);
         auto *faces = window.findChild<QStackedWidget *>(QStringLiteral("CorvaneUsw1"));
@@ -98,7 +101,7 @@ private slots:
 
         // F5 starts the selected welder; its power supply sees the connection and sends
         // one weld.
-        window.menus().mnuStartStop->trigger();
+        menus.mnuStartStop->trigger();
         QTRY_VERIFY_WITH_TIMEOUT(supply1.hasPendingConnections(), 5000);
         QTcpSocket *link = supply1.nextPendingConnection();
         QTRY_COMPARE_WITH_TIMEOUT(monitorOf(window, 0).DriverState(), 3, 5000);
@@ -107,16 +110,15 @@ private slots:
 
         // While it collects its settings stay closed; the other welder's do not.
         openConfigurationMenu(window);
-        QVERIFY(!window.menus().mnuRemove->isEnabled());
-        QVERIFY(!window.menus().mnuSettings->isEnabled());
-        QVERIFY(!window.menus().mnuAboutApp->isEnabled());
-        QCOMPARE(window.menus().mnuStartStop->text(), QStringLiteral("&Stop"));
+        QVERIFY(!menus.mnuRemove->isEnabled() && !menus.mnuSettings->isEnabled());
+        QVERIFY(!menus.mnuAboutApp->isEnabled());
+        QCOMPARE(menus.mnuStartStop->text(), QStringLiteral("&Stop"));
         window.tabStrip()->setCurrentIndex(1);
         QCOMPARE(&qobject_cast<CorvaneUsw *>(faces->currentWidget())->monitor(),
                  &monitorOf(window, 1));
         openConfigurationMenu(window);
-        QVERIFY(window.menus().mnuRemove->isEnabled());
-        QCOMPARE(window.menus().mnuStartStop->text(), QStringLiteral("&Start"));
+        QVERIFY(menus.mnuRemove->isEnabled());
+        QCOMPARE(menus.mnuStartStop->text(), QStringLiteral("&Start"));
 
         // Hidden in the tray the monitor goes on collecting.
         QVERIFY(!window.close());
@@ -124,17 +126,15 @@ private slots:
         QTRY_COMPARE_WITH_TIMEOUT(monitorOf(window, 0).totalWelds(), 2, 5000);
 
         window.tabStrip()->setCurrentIndex(0);
-        window.menus().mnuStartStop->trigger();
+        menus.mnuStartStop->trigger();
         QTRY_COMPARE_WITH_TIMEOUT(monitorOf(window, 0).DriverState(), 1, 5000);
         openConfigurationMenu(window);
-        QVERIFY(window.menus().mnuRemove->isEnabled());
-        QVERIFY(window.menus().mnuAboutApp->isEnabled());
+        QVERIFY(menus.mnuRemove->isEnabled() && menus.mnuAboutApp->isEnabled());
 
         // The Configure commands open the real dialogs over the stopped welder; each is
         // cancelled from the event loop and changes nothing.
         QStringList dialogs;
-        for (QAction *command : {window.menus().mnuSettings, window.menus().mnuDataLogging,
-                                 window.menus().mnuSPCSampling}) {
+        for (QAction *command : {menus.mnuSettings, menus.mnuDataLogging, menus.mnuSPCSampling}) {
             QTimer::singleShot(0, this, [&dialogs] {
                 auto *dialog = qobject_cast<QDialog *>(QApplication::activeModalWidget());
                 dialogs.append(dialog ? dialog->objectName() : QStringLiteral("none"));

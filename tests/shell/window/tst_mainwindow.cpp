@@ -47,15 +47,14 @@ private:
             ->currentWidget();
     }
 
-    static QStringList menuTree(const QList<QAction *> &actions)
+    // The object names of a menu and its submenus in order, a separator as "-".
+    static QString menuTree(const QList<QAction *> &actions)
     {
         QStringList tree;
-        for (QAction *item : actions) {
-            tree.append(item->isSeparator() ? QStringLiteral("-") : item->objectName());
-            if (item->menu())
-                tree += menuTree(item->menu()->actions());
-        }
-        return tree;
+        for (QAction *item : actions)
+            tree << (item->isSeparator() ? QStringLiteral("-") : item->objectName())
+                 << (item->menu() ? menuTree(item->menu()->actions()) : QString());
+        return tree.join(u' ').simplified();
     }
 
 private slots:
@@ -89,10 +88,9 @@ private slots:
         f().commands.names = QStringList{"Press 4"};
         window.mnuAdd_Click();
         QCOMPARE(f().tabCaptions(), (QStringList{"Press 1", "Press 3", "Press 4"}));
-        QCOMPARE(window.tabStrip()->currentIndex(), 2);
         QCOMPARE(shownMonitor(), f().views[2]);
         QCOMPARE(f().commands.calls.size(), 1);
-        QCOMPARE(f().commands.calls[0].monitor, f().monitors[2]);
+        QCOMPARE(std::get<1>(f().commands.calls.value(0)), f().monitors[2]);
         QVERIFY(f().errors.isEmpty());
     }
 
@@ -119,9 +117,9 @@ private slots:
 
         QCOMPARE(f().monitors[removed]->shutDowns, 1);
         QCOMPARE(f().tabCaptions(), remaining);
-        QCOMPARE(window.GetTab(QString())->key, QStringLiteral("key-%1").arg(selectedSlot));
-        QCOMPARE(window.tabStrip()->tabData(window.tabStrip()->currentIndex()).toString(),
-                 QStringLiteral("key-%1").arg(selectedSlot));
+        const QString key = QStringLiteral("key-%1").arg(selectedSlot);
+        QCOMPARE(window.GetTab(QString())->key, key);
+        QCOMPARE(window.tabStrip()->tabData(window.tabStrip()->currentIndex()).toString(), key);
         QCOMPARE(shownMonitor(), f().views[selectedSlot]);
     }
 
@@ -134,7 +132,7 @@ private slots:
         QVERIFY(window.GetTab(QString()) == nullptr);
         QCOMPARE(shownMonitor()->objectName(), QStringLiteral("lblNoConfiguration"));
         // The file keeps it until the next Shut Down.
-        QVERIFY(f().readConfigurations().contains("Solo"));
+        QVERIFY(f().read().contains("Solo"));
         window.mnuSettings_Click();
         QVERIFY(f().commands.calls.isEmpty());
     }
@@ -144,17 +142,18 @@ private slots:
         writeThreeWelders();
         dlgMain &window = f().open();
         const MainMenus &menus = window.menus();
+        // Remove, Settings, Data Logging, SPC Sampling, About and About the database as
+        // 1 for enabled and 0 for not.
         const auto enabled = [&] {
-            QList<bool> states;
+            QString states;
             for (QAction *item : {menus.mnuRemove, menus.mnuSettings, menus.mnuDataLogging,
                                   menus.mnuSPCSampling, menus.mnuAboutApp, menus.mnuAboutDB})
-                states.append(item->isEnabled());
+                states += item->isEnabled() ? u'1' : u'0';
             return states;
         };
-        using States = QList<bool>;
 
         openConfigurationMenu(window);
-        QCOMPARE(enabled(), (States{true, true, true, true, true, false}));
+        QCOMPARE(enabled(), QStringLiteral("111110"));
         QCOMPARE(menus.mnuStartStop->text(), QStringLiteral("&Start"));
 
         // A configuration that collects keeps its settings until it is stopped; the
@@ -162,31 +161,28 @@ private slots:
         menus.mnuStartStop->trigger();
         QCOMPARE(f().monitors[0]->DriverState(), 2);
         openConfigurationMenu(window);
-        QCOMPARE(enabled(), (States{false, false, false, false, false, false}));
+        QCOMPARE(enabled(), QStringLiteral("000000"));
         QCOMPARE(menus.mnuStartStop->text(), QStringLiteral("&Stop"));
 
         // The second welder is idle and samples into the SPC database.
         window.tabStrip()->setCurrentIndex(1);
         openConfigurationMenu(window);
-        QCOMPARE(enabled(), (States{true, true, true, true, true, true}));
+        QCOMPARE(enabled(), QStringLiteral("111111"));
 
         // The commands reach the selected monitor, with the window as the dialogs' parent;
         // a cancelled Equipment Settings leaves the caption.
         menus.mnuSettings->trigger();
         menus.mnuDataLogging->trigger();
         menus.mnuSPCSampling->trigger();
-        QStringList commands;
-        for (const ScriptedCommands::Call &call : f().commands.calls) {
-            QCOMPARE(call.monitor, f().monitors[1]);
-            QCOMPARE(call.parent, &window);
-            commands.append(call.command);
-        }
-        QCOMPARE(commands, (QStringList{"equipment", "data logging", "sampling"}));
+        using Call = ScriptedCommands::Call;
+        QCOMPARE(f().commands.calls, (QList<Call>{{"equipment", f().monitors[1], &window},
+                                                  {"data logging", f().monitors[1], &window},
+                                                  {"sampling", f().monitors[1], &window}}));
         QCOMPARE(f().tabCaptions()[1], QStringLiteral("Press 2"));
 
         window.configurations()->setCurrentTab(-1);
         openConfigurationMenu(window);
-        QCOMPARE(enabled(), (States{false, false, false, false, false, false}));
+        QCOMPARE(enabled(), QStringLiteral("000000"));
         QVERIFY(!menus.mnuStartStop->isEnabled());
         QVERIFY(f().errors.isEmpty());
     }
@@ -197,7 +193,7 @@ private slots:
         // Shut Down writes the file and leaves its dated copy.
         const QByteArray handWritten =
             "<Configurations>\n  " + welder("Press 1").toUtf8() + "\n</Configurations>\n";
-        WindowFixture::write(f().path(QStringLiteral("corvane-monitor.cfg")), handWritten);
+        f().write(QStringLiteral("corvane-monitor.cfg"), handWritten);
         dlgMain &window = f().open();
         QSignalSpy unloaded(&window, &dlgMain::unloaded);
         const auto datedCopies = [this] {
@@ -211,14 +207,13 @@ private slots:
         window.menus().mnuCloseWindow->trigger();
         QVERIFY(!window.isVisible());
         QCOMPARE(unloaded.count(), 0);
-        QCOMPARE(f().readConfigurations(), handWritten);
+        QCOMPARE(f().read(), handWritten);
         QVERIFY(datedCopies().isEmpty());
         QCOMPARE(f().monitors[0]->shutDowns, 0);
 
         window.menus().mnuShutDown2->trigger();
         QCOMPARE(unloaded.count(), 1);
-        QCOMPARE(f().readConfigurations(),
-                 "<Configurations>" + welder("Press 1").toUtf8() + "</Configurations>");
+        QCOMPARE(f().read(), "<Configurations>" + welder("Press 1").toUtf8() + "</Configurations>");
         QCOMPARE(datedCopies(), QStringList{"corvane-monitor.cfg_261114220509"});
         QCOMPARE(f().monitors[0]->shutDowns, 1);
 
@@ -231,9 +226,9 @@ private slots:
     void saveFailureIsReportedAndTheProgramStillEnds()
     {
         // An administrator moved the file into a folder that does not exist.
-        WindowFixture::write(f().path(QStringLiteral("settings.ini")),
-                             "[corvane-monitor]\nFile=" +
-                                 f().path(QStringLiteral("gone/welders.cfg")).toUtf8());
+        f().write(QStringLiteral("settings.ini"),
+                  "[corvane-monitor]\nFile=" +
+                      f().path(QStringLiteral("gone/welders.cfg")).toUtf8());
         dlgMain &window = f().open();
         QCOMPARE(f().errors.count(), 1);
         QCOMPARE(f().errors.last().location, QStringLiteral("dlgMain.Form_Load"));
@@ -265,7 +260,7 @@ private slots:
         QTest::qWait(1200);
         QCOMPARE(f().commands.calls.size(), 1);
         window.mnuShutDown_Click();
-        QVERIFY(f().readConfigurations().contains("Press 1"));
+        QVERIFY(f().read().contains("Press 1"));
     }
 
     void startWithConfigurationsOrRefusalAddsNothing()
@@ -326,37 +321,19 @@ private slots:
         QCOMPARE((QStringList{menus.mnuFile->title(), menus.mnuConfiguration->title(),
                               menus.mnuHelp->title(), menus.mnuShutDown->text()}),
                  captions);
-        QCOMPARE(menuTree(window.menuBar()->actions()), (QStringList{"",
-                                                                     "mnuCloseWindow",
-                                                                     "-",
-                                                                     "mnuShutDown",
-                                                                     "",
-                                                                     "mnuAdd",
-                                                                     "mnuRemove",
-                                                                     "-",
-                                                                     "mnuSettings",
-                                                                     "-",
-                                                                     "mnuDataLogging",
-                                                                     "-",
-                                                                     "mnuSPCSampling",
-                                                                     "-",
-                                                                     "mnuStartStop",
-                                                                     "",
-                                                                     "mnuContents",
-                                                                     "mnuGettingStarted",
-                                                                     "-",
-                                                                     "mnuAboutApp",
-                                                                     "mnuAboutDB"}));
+        QCOMPARE(menuTree(window.menuBar()->actions()),
+                 QStringLiteral("mnuCloseWindow - mnuShutDown mnuAdd mnuRemove - mnuSettings - "
+                                "mnuDataLogging - mnuSPCSampling - mnuStartStop mnuContents "
+                                "mnuGettingStarted - mnuAboutApp mnuAboutDB"));
         QCOMPARE(menuTree(menus.mnuPopup->actions()),
-                 (QStringList{"mnuOpenWindow", "-", "mnuViewErrorLog", "-", "mnuShutDown2"}));
+                 QStringLiteral("mnuOpenWindow - mnuViewErrorLog - mnuShutDown2"));
         QCOMPARE(menus.mnuStartStop->shortcut(), QKeySequence(Qt::Key_F5));
         QVERIFY(f().errors.isEmpty());
     }
 
     void helpLogAndAbout()
     {
-        WindowFixture::write(f().path(QStringLiteral("settings.ini")),
-                             "[Corvane]\nBuild_Number=2026.11-7\n");
+        f().write(QStringLiteral("settings.ini"), "[Corvane]\nBuild_Number=2026.11-7\n");
         f().languageTable =
             QStringLiteral(CORVANE_SOURCE_DIR "/translations/corvane-monitor.de.lang");
         f().writeConfigurations({welder("Press 1")});

@@ -43,6 +43,14 @@ private:
         return seen.contains(text);
     }
 
+    // A headless instance on the data folder "first", once it watches its welders.
+    void startHeadless(QProcess &process, QByteArray &errors)
+    {
+        start(process, {QStringLiteral("--headless"), QStringLiteral("--data-dir"),
+                        dataFolder(QStringLiteral("first"))});
+        QTRY_VERIFY_WITH_TIMEOUT(stderrContains(process, errors, "watching"), 10000);
+    }
+
     // A second start: it must end at once with status 0 and touch nothing of its own.
     void secondStartHandsOver(const QStringList &arguments)
     {
@@ -72,11 +80,8 @@ private slots:
     void secondStartWhileHeadlessEndsQuietly()
     {
         QProcess first;
-        start(first, {QStringLiteral("--headless"), QStringLiteral("--data-dir"),
-                      dataFolder(QStringLiteral("first"))});
         QByteArray firstErrors;
-        QTRY_VERIFY_WITH_TIMEOUT(stderrContains(first, firstErrors, "watching"), 10000);
-
+        startHeadless(first, firstErrors);
         secondStartHandsOver({QStringLiteral("--headless")});
         QTRY_VERIFY_WITH_TIMEOUT(stderrContains(first, firstErrors, "another start asked"), 5000);
         // A window start hands over to a headless instance just the same.
@@ -117,20 +122,16 @@ private slots:
     void deadInstanceLeavesNoLock()
     {
         QProcess first;
-        start(first, {QStringLiteral("--headless"), QStringLiteral("--data-dir"),
-                      dataFolder(QStringLiteral("first"))});
         QByteArray errors;
-        QTRY_VERIFY_WITH_TIMEOUT(stderrContains(first, errors, "watching"), 10000);
+        startHeadless(first, errors);
         first.kill();
         QVERIFY(first.waitForFinished(5000));
 
         // The lock and the socket of the killed instance are left behind; the next start
         // takes over anyway.
         QProcess next;
-        start(next, {QStringLiteral("--headless"), QStringLiteral("--data-dir"),
-                     dataFolder(QStringLiteral("first"))});
         QByteArray nextErrors;
-        QTRY_VERIFY_WITH_TIMEOUT(stderrContains(next, nextErrors, "watching"), 10000);
+        startHeadless(next, nextErrors);
         endCleanly(next);
     }
 };
