@@ -1,5 +1,6 @@
 #include "dlgDataLogging.h"
 
+#include "OkCancelButtons.h"
 #include "SaveFileChooser.h"
 #include "SetupCaptions.h"
 
@@ -48,14 +49,11 @@ dlgDataLogging::dlgDataLogging(const qlxLanguage &language, const SetupServices 
     m_lblStatus->setTextInteractionFlags(Qt::TextSelectableByMouse);
     m_lblStatus->setWordWrap(true);
 
-    m_OKButton = new QPushButton(translate(kOK), this);
-    m_OKButton->setObjectName(QStringLiteral("OKButton"));
-    m_OKButton->setDefault(true);
-    m_CancelButton = new QPushButton(translate(kCancel), this);
-    m_CancelButton->setObjectName(QStringLiteral("CancelButton"));
-    auto *buttons = new QDialogButtonBox(this);
-    buttons->addButton(m_OKButton, QDialogButtonBox::AcceptRole);
-    buttons->addButton(m_CancelButton, QDialogButtonBox::RejectRole);
+    const OkCancelButtons okCancel =
+        OkCancelButtons::create(this, translate(kOK), translate(kCancel));
+    m_OKButton = okCancel.ok;
+    m_CancelButton = okCancel.cancel;
+    QDialogButtonBox *buttons = okCancel.box;
 
     // clicked, not toggled: Form_Load sets the box without running the user's command.
     connect(m_chkEnabled, &QCheckBox::clicked, this, &dlgDataLogging::chkEnabled_Click);

@@ -1,5 +1,6 @@
 #include "dlgIPSetup.h"
 
+#include "OkCancelButtons.h"
 #include "SetupCaptions.h"
 
 #include "platform/ErrorPassing.h"
@@ -91,14 +92,11 @@ void dlgIPSetup::buildForm()
     columns->addWidget(buildSettings());
     columns->addWidget(buildConsole(), 1);
 
-    m_OKButton = new QPushButton(translate(kOK), this);
-    m_OKButton->setObjectName(QStringLiteral("OKButton"));
-    m_OKButton->setDefault(true);
-    m_CancelButton = new QPushButton(translate(kCancel), this);
-    m_CancelButton->setObjectName(QStringLiteral("CancelButton"));
-    auto *buttons = new QDialogButtonBox(this);
-    buttons->addButton(m_OKButton, QDialogButtonBox::AcceptRole);
-    buttons->addButton(m_CancelButton, QDialogButtonBox::RejectRole);
+    const OkCancelButtons okCancel =
+        OkCancelButtons::create(this, translate(kOK), translate(kCancel));
+    m_OKButton = okCancel.ok;
+    m_CancelButton = okCancel.cancel;
+    QDialogButtonBox *buttons = okCancel.box;
     // The buttons' own handlers decide whether the dialog closes.
     connect(m_OKButton, &QPushButton::clicked, this, &dlgIPSetup::OKButton_Click);
     connect(m_CancelButton, &QPushButton::clicked, this, &dlgIPSetup::CancelButton_Click);

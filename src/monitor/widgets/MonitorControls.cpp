@@ -4,6 +4,7 @@
 #include "MonitorCaptions.h"
 #include "platform/qlxLanguage.h"
 #include "stats/widgets/HorizontalMeter.h"
+#include "stats/widgets/ScaledFont.h"
 
 #include <QComboBox>
 #include <QFrame>
@@ -18,16 +19,6 @@
 #include <QVBoxLayout>
 
 namespace {
-
-QFont scaledFont(QFont font, double factor, bool bold)
-{
-    if (font.pointSizeF() > 0)
-        font.setPointSizeF(font.pointSizeF() * factor);
-    else
-        font.setPixelSize(qRound(font.pixelSize() * factor));
-    font.setBold(bold);
-    return font;
-}
 
 QString rowName(const char *control, int row)
 {

@@ -1,6 +1,7 @@
 #include "dlgSummary.h"
 
 #include "Histogram.h"
+#include "ScaledFont.h"
 #include "StatsCaptions.h"
 #include "platform/ErrorPassing.h"
 #include "platform/qlxLanguage.h"
@@ -13,20 +14,6 @@
 #include <QVBoxLayout>
 
 #include <limits>
-
-namespace {
-
-QFont scaledFont(QFont font, double factor, bool bold)
-{
-    if (font.pointSizeF() > 0)
-        font.setPointSizeF(font.pointSizeF() * factor);
-    else
-        font.setPixelSize(qRound(font.pixelSize() * factor));
-    font.setBold(bold);
-    return font;
-}
-
-} // namespace
 
 dlgSummary::dlgSummary(const qlxLanguage &language, ErrorReport &errors, QWidget *parent)
     : QDialog(parent)
