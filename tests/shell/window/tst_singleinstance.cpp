@@ -51,6 +51,16 @@ private:
         QTRY_VERIFY_WITH_TIMEOUT(stderrContains(process, errors, "watching"), 10000);
     }
 
+    // The window instance prints nothing when it is up; it is up once it listens for
+    // other starts. Without this wait a slow first start (under the sanitizers) could
+    // lose the race for the lock to the second one.
+    bool listening() const
+    {
+        return !QDir(m_runtime.path())
+                    .entryList({QStringLiteral("*.socket")}, QDir::System | QDir::Hidden)
+                    .isEmpty();
+    }
+
     // A second start: it must end at once with status 0 and touch nothing of its own.
     void secondStartHandsOver(const QStringList &arguments)
     {
@@ -103,6 +113,7 @@ private slots:
 
         QProcess first;
         start(first, {QStringLiteral("--data-dir"), folder});
+        QTRY_VERIFY_WITH_TIMEOUT(listening(), 20000);
         QByteArray firstErrors;
         secondStartHandsOver({});
         QTRY_VERIFY_WITH_TIMEOUT(stderrContains(first, firstErrors, "window restored and raised"),
