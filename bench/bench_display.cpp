@@ -3,7 +3,6 @@
 // counting a million values into the histogram's bins, and opening the summary of a
 // characteristic with a million values.
 
-#include "platform/ErrorReport.h"
 #include "platform/qlxLanguage.h"
 #include "stats/Dataset.h"
 #include "stats/HistogramBins.h"
@@ -11,6 +10,8 @@
 #include "stats/widgets/Histogram.h"
 #include "stats/widgets/HorizontalMeter.h"
 #include "stats/widgets/dlgSummary.h"
+
+#include "BenchSupport.h"
 
 #include <benchmark/benchmark.h>
 
@@ -20,23 +21,6 @@
 namespace {
 
 constexpr int kMillion = 1'000'000;
-
-void ensureApplication()
-{
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-    static int argc = 1;
-    static char name[] = "bench_display";
-    static char *argv[] = {name, nullptr};
-    static QApplication application(argc, argv);
-}
-
-class CountingErrorReport : public ErrorReport
-{
-public:
-    void Show(const QString &, qint32, const QString &, const QString &) override { ++count; }
-    qint64 count = 0;
-};
 
 // Values spread over a little more than the limits 100 .. 200, so that some bins beyond
 // them fill too.
@@ -55,7 +39,7 @@ QVector<double> spreadValues(int count)
 // the limits, the marker colours, then one refresh and one paint.
 void BM_MeterRefreshAndPaint(benchmark::State &state)
 {
-    ensureApplication();
+    ensureApplication<QApplication>();
     const bool colourChanges = state.range(0) != 0;
     HorizontalMeter meter;
     meter.resize(440, 50);
@@ -101,7 +85,7 @@ BENCHMARK(BM_LoadHistoBins)->Arg(kMillion)->Unit(benchmark::kMillisecond);
 // labels and counts, the histogram binned and painted.
 void BM_OpenSummary(benchmark::State &state)
 {
-    ensureApplication();
+    ensureApplication<QApplication>();
     CountingErrorReport errors;
     qlxLanguage language;
     Dataset dataset(errors);

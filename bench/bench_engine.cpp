@@ -7,9 +7,11 @@
 
 #include "monitor/EquipmentMonitor.h"
 #include "platform/Clock.h"
-#include "platform/ErrorReport.h"
 #include "platform/EventLog.h"
 #include "protocol/Function26Frame.h"
+
+#include "BenchSupport.h"
+#include "BenchWelds.h"
 
 #include <benchmark/benchmark.h>
 
@@ -23,21 +25,6 @@
 namespace {
 
 constexpr MeasurementSystem kSystem = MeasurementSystem::Metric;
-
-void ensureApplication()
-{
-    static int argc = 1;
-    static char name[] = "bench_engine";
-    static char *argv[] = {name, nullptr};
-    static QCoreApplication application(argc, argv);
-}
-
-class CountingErrorReport : public ErrorReport
-{
-public:
-    void Show(const QString &, qint32, const QString &, const QString &) override { ++count; }
-    qint64 count = 0;
-};
 
 // Resident set size of this process in bytes, from /proc/self/status.
 qint64 residentBytes()
@@ -53,18 +40,12 @@ qint64 residentBytes()
     return -1;
 }
 
-// The frames of `count` simulated welds back to back, each followed by the byte that
-// lets the parser take it.
 QByteArray weldStream(int count)
 {
     WeldGenerator generator(kSystem, 11);
     generator.setWeldMode(0x03);
     generator.setAlarmProbability(0.05);
-    QByteArray bytes;
-    bytes.reserve(qsizetype(count) * 125);
-    for (int i = 0; i < count; ++i)
-        bytes += Function26Frame::encode(generator.next(), kSystem) + '\0';
-    return bytes;
+    return weldStream(generator, count, kSystem);
 }
 
 // One monitor with its services, as the shell builds it, logging into a scratch folder.
@@ -73,7 +54,7 @@ struct Engine
     explicit Engine(bool dataLogging)
         : eventLog(folder.filePath(QStringLiteral("events.log")), clock)
     {
-        ensureApplication();
+        ensureApplication<QCoreApplication>();
         monitor = std::make_unique<EquipmentMonitor>(
             MonitorServices{.errors = errors, .eventLog = eventLog, .clock = clock});
         monitor->Initialize(language, 0);

@@ -10,12 +10,14 @@
 #include "monitor/SamplingSeam.h"
 #include "monitor/widgets/CorvaneUsw.h"
 #include "platform/Clock.h"
-#include "platform/ErrorReport.h"
 #include "platform/EventLog.h"
 #include "platform/SocketPort.h"
 #include "protocol/Function26Frame.h"
 #include "stats/DatasetCollection.h"
 #include "stats/widgets/dlgSummary.h"
+
+#include "BenchSupport.h"
+#include "BenchWelds.h"
 
 #include <benchmark/benchmark.h>
 
@@ -27,23 +29,6 @@ namespace {
 
 constexpr MeasurementSystem kSystem = MeasurementSystem::Metric;
 constexpr int kMillion = 1'000'000;
-
-void ensureApplication()
-{
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-    static int argc = 1;
-    static char name[] = "bench_monitor_view";
-    static char *argv[] = {name, nullptr};
-    static QApplication application(argc, argv);
-}
-
-class CountingErrorReport : public ErrorReport
-{
-public:
-    void Show(const QString &, qint32, const QString &, const QString &) override { ++count; }
-    qint64 count = 0;
-};
 
 // Limits on half of the characteristics, so that coloured bars and markers are drawn.
 class LimitsSampling : public NullSampling
@@ -82,15 +67,6 @@ private:
 
 // The frames of `count` simulated welds back to back, each followed by the byte that
 // lets the parser take it.
-QByteArray weldStream(WeldGenerator &generator, int count)
-{
-    QByteArray bytes;
-    bytes.reserve(qsizetype(count) * 125);
-    for (int i = 0; i < count; ++i)
-        bytes += Function26Frame::encode(generator.next(), kSystem) + '\0';
-    return bytes;
-}
-
 // A monitor and its face, collecting, with every row showing a characteristic and
 // `preload` welds already in its datasets.
 struct Face
@@ -99,7 +75,7 @@ struct Face
         : eventLog(folder.filePath(QStringLiteral("events.log")), clock)
         , generator(kSystem, 11)
     {
-        ensureApplication();
+        ensureApplication<QApplication>();
         generator.setWeldMode(0x03);
         // About one alarm line a weld: a million welds leave a million lines in the list.
         generator.setAlarmProbability(0.22);
@@ -120,11 +96,11 @@ struct Face
         image = QImage(view->size(), QImage::Format_ARGB32_Premultiplied);
 
         for (int sent = 0; sent < preload; sent += 10'000)
-            arrive(weldStream(generator, std::min(10'000, preload - sent)));
+            arrive(weldStream(generator, std::min(10'000, preload - sent), kSystem));
         QCoreApplication::processEvents();
         // Every weld timed carries alarms, so the alarms list takes new lines each time.
         generator.setAlarmProbability(1.0);
-        frame = weldStream(generator, 1);
+        frame = weldStream(generator, 1, kSystem);
     }
 
     void arrive(QByteArrayView bytes)

@@ -5,12 +5,13 @@
 #include "WeldGenerator.h"
 
 #include "platform/Clock.h"
-#include "platform/ErrorReport.h"
 #include "platform/RegionalFormat.h"
 #include "protocol/CorvaneParser.h"
 #include "protocol/CorvaneUSWSupport.h"
 #include "protocol/Function26Frame.h"
 #include "stats/Dataset.h"
+
+#include "BenchSupport.h"
 
 #include <benchmark/benchmark.h>
 
@@ -45,13 +46,6 @@ QByteArray burst(int count)
     bytes += '\0';
     return bytes;
 }
-
-class CountingErrorReport : public ErrorReport
-{
-public:
-    void Show(const QString &, qint32, const QString &, const QString &) override { ++count; }
-    int count = 0;
-};
 
 qint64 heapInUse()
 {
