@@ -1,3 +1,4 @@
+#include "PaintCounter.h"
 #include "Refusal.h"
 
 #include "stats/widgets/BgrColor.h"
@@ -45,20 +46,6 @@ void pinCurrentMarker(HorizontalMeter &meter)
     meter.setValueCurrent(1e6);
     meter.setColorCurrent(Qt::red);
 }
-
-class PaintCounter : public QObject
-{
-public:
-    int paints = 0;
-
-protected:
-    bool eventFilter(QObject *, QEvent *event) override
-    {
-        if (event->type() == QEvent::Paint)
-            ++paints;
-        return false;
-    }
-};
 
 } // namespace
 

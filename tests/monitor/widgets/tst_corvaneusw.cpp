@@ -4,6 +4,7 @@
 
 #include "FixedLimitsSampling.h"
 #include "MonitorFixture.h"
+#include "PaintCounter.h"
 #include "SampleWelds.h"
 
 #include "monitor/widgets/AlarmLinesView.h"
@@ -97,20 +98,6 @@ QColor barPixel(HorizontalMeter *meter)
 {
     return meter->grab().toImage().pixelColor(meter->barRect().center());
 }
-
-class PaintCounter : public QObject
-{
-public:
-    int paints = 0;
-
-protected:
-    bool eventFilter(QObject *, QEvent *event) override
-    {
-        if (event->type() == QEvent::Paint)
-            ++paints;
-        return false;
-    }
-};
 
 } // namespace
 
