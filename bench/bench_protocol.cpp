@@ -1,6 +1,8 @@
 // How fast the receiving side keeps up with a welder link, and what the running
-// statistics of one characteristic cost in memory. The parser reads the system clock
-// for every record, as the monitor's parser does.
+// statistics of one characteristic cost in memory. The parser stamps every record from
+// the system clock, as the monitor's parser does. The BM_Scan* cases take the receiving
+// side's way through the parser (next(), no exceptions, the record decoded in place);
+// the others go through GetFunction, which returns each record by value.
 
 #include "WeldGenerator.h"
 
@@ -9,6 +11,7 @@
 #include "protocol/CorvaneParser.h"
 #include "protocol/CorvaneUSWSupport.h"
 #include "protocol/Function26Frame.h"
+#include "protocol/RecordFormatter.h"
 #include "stats/Dataset.h"
 
 #include "BenchSupport.h"
@@ -134,6 +137,87 @@ void BM_DecodeWithRecordText(benchmark::State &state)
         double(kCount) * double(state.iterations()), benchmark::Counter::kIsRate);
 }
 BENCHMARK(BM_DecodeWithRecordText)->Unit(benchmark::kMillisecond);
+
+// As BM_FramesOnePerRead, through the scanning core.
+void BM_ScanFramesOnePerRead(benchmark::State &state)
+{
+    const QList<QByteArray> frames = weldFrames(1000);
+    const SystemClock clock;
+    const CorvaneParser parser(kSystem, clock);
+    ReceiveBuffer buffer;
+    CorvaneFUN26 record;
+    qsizetype next = 0;
+    qint64 records = 0;
+    for (auto _ : state) {
+        buffer.append(frames[next]);
+        next = (next + 1) % frames.size();
+        while (parser.next(buffer, record) == FrameScanner::FrameStatus::WeldRecord) {
+            benchmark::DoNotOptimize(record);
+            ++records;
+        }
+    }
+    if (records + 1 != qint64(state.iterations()))
+        state.SkipWithError("frames were lost");
+    state.counters["frames_per_second"] =
+        benchmark::Counter(double(records), benchmark::Counter::kIsRate);
+}
+BENCHMARK(BM_ScanFramesOnePerRead);
+
+// As BM_DrainBurst, through the scanning core.
+void BM_ScanBurst(benchmark::State &state)
+{
+    const int count = int(state.range(0));
+    const QByteArray bytes = burst(count);
+    const SystemClock clock;
+    const CorvaneParser parser(kSystem, clock);
+    CorvaneFUN26 record;
+    for (auto _ : state) {
+        ReceiveBuffer buffer;
+        buffer.append(bytes);
+        int records = 0;
+        while (parser.next(buffer, record) == FrameScanner::FrameStatus::WeldRecord) {
+            benchmark::DoNotOptimize(record);
+            ++records;
+        }
+        if (records != count || buffer.size() != 1)
+            state.SkipWithError("the burst was not drained");
+    }
+    state.SetComplexityN(count);
+    state.counters["frames_per_second"] =
+        benchmark::Counter(double(count) * double(state.iterations()), benchmark::Counter::kIsRate);
+}
+BENCHMARK(BM_ScanBurst)
+    ->Arg(1000)
+    ->Arg(100000)
+    ->Arg(400000)
+    ->Unit(benchmark::kMillisecond)
+    ->Complexity(benchmark::oN);
+
+// As BM_DecodeWithRecordText, the way the monitor and the decoder write data-log lines.
+void BM_ScanWithRecordText(benchmark::State &state)
+{
+    constexpr int kCount = 10000;
+    const QByteArray bytes = burst(kCount);
+    const SystemClock clock;
+    const CorvaneParser parser(kSystem, clock);
+    const RegionalFormat format;
+    RecordFormatter text(format);
+    CorvaneFUN26 record;
+    qint64 textBytes = 0;
+    for (auto _ : state) {
+        ReceiveBuffer buffer;
+        buffer.append(bytes);
+        while (parser.next(buffer, record) == FrameScanner::FrameStatus::WeldRecord) {
+            const QString &line = text.format(record);
+            textBytes += line.size();
+            benchmark::DoNotOptimize(line);
+        }
+    }
+    benchmark::DoNotOptimize(textBytes);
+    state.counters["records_per_second"] = benchmark::Counter(
+        double(kCount) * double(state.iterations()), benchmark::Counter::kIsRate);
+}
+BENCHMARK(BM_ScanWithRecordText)->Unit(benchmark::kMillisecond);
 
 // The memory one characteristic holds after a long run: every value is kept for the
 // histogram and the summary.

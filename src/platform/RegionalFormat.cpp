@@ -8,8 +8,8 @@
 
 namespace {
 
-// Below this magnitude the shortest round trip of std::to_chars and the locale's
-// general form agree digit for digit; larger values go the locale's way.
+// Below this magnitude std::to_chars and the locale's general form round the 15th digit
+// alike; larger values go the locale's way.
 constexpr double kFastMagnitude = 1e13;
 
 } // namespace
@@ -49,13 +49,14 @@ void RegionalFormat::appendNumber(QString &out, double value) const
         out += u'0';
         return;
     }
-    if (!(std::fabs(value) < kFastMagnitude)) {
-        out += m_locale.toString(value, 'g', 15).replace(m_locale.negativeSign(), QString(u'-'));
-        return;
-    }
     char digits[32];
     const std::to_chars_result end =
         std::to_chars(digits, digits + sizeof digits, value, std::chars_format::general, 15);
+    // Exponent forms are written the locale's way (1E-05, 1×10^-05).
+    if (!(std::fabs(value) < kFastMagnitude) || std::find(digits, end.ptr, 'e') != end.ptr) {
+        out += m_locale.toString(value, 'g', 15).replace(m_locale.negativeSign(), QString(u'-'));
+        return;
+    }
     const char *point = std::find(digits, end.ptr, '.');
     out += QLatin1StringView(digits, point);
     if (point != end.ptr) {

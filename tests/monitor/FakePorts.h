@@ -87,6 +87,12 @@ public:
         m_pending += bytes;
         emit received();
     }
+    // The adapter is pulled out: the port closes itself and says so.
+    void pull()
+    {
+        m_open = false;
+        emit lost();
+    }
 
     bool refuse = false;
     QList<SerialSettings> opened;

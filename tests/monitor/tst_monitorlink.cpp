@@ -302,6 +302,68 @@ private slots:
                      "Line 4 (IP:192.0.2.5:3001)\tWinSockError\t10060\tTimed\tout\tSCODE: -3"));
     }
 
+    void repeatedFailureIsWrittenOnceThenEveryTenMinutes()
+    {
+        MonitorFixture f;
+        f.configure(kTcp);
+        f.monitor->setEquipment(QStringLiteral("Press 7"), kTcp);
+        f.clock.set(at(10, 0));
+        f.monitor->StartStop();
+        for (int attempt = 0; attempt < 300; ++attempt) {
+            f.clock.advanceSeconds(2);
+            emit f.socket->errorOccurred(10061, QStringLiteral("Connection refused"), 10061);
+        }
+        QCOMPARE(f.eventLogLines().size(), 1);
+        f.clock.advanceSeconds(2);
+        emit f.socket->errorOccurred(10061, QStringLiteral("Connection refused"), 10061);
+        f.socket->accept();
+        const QStringList lines = f.eventLogLines();
+        QCOMPARE(lines.size(), 3);
+        QVERIFY(lines.at(1).endsWith(QStringLiteral("SCODE: 10061 (repeated 300 times since the "
+                                                    "last line)")));
+        QCOMPARE(lines.at(2).section(u'\t', 1, 2),
+                 QStringLiteral("Press 7 (%1)\tLink Restored").arg(kTcp));
+        QVERIFY(lines.at(2).contains(QStringLiteral("after 301 failed attempt(s)")));
+        // Another failure after the link was back is news again.
+        emit f.socket->errorOccurred(10061, QStringLiteral("Connection refused"), 10061);
+        QCOMPARE(f.eventLogLines().size(), 4);
+    }
+
+    void pulledSerialAdapterIsShownAndReopened()
+    {
+        MonitorFixture f;
+        f.clock.set(at(10, 0));
+        start(f, kSerial);
+        QVERIFY(f.serial->isOpen());
+        f.serial->pull();
+        QCOMPARE(f.monitor->connectionLabel(), QStringLiteral("Closed"));
+        QVERIFY(f.monitor->connectionProblem());
+        QCOMPARE(f.monitor->startStopCaption(), QStringLiteral("&Stop"));
+        QVERIFY(f.eventLogLines().last().contains(QStringLiteral("\tSerial Port Lost\t")));
+
+        // The device is still away: retried every few seconds, never given up.
+        f.serial->refuse = true;
+        const qsizetype before = f.serial->opened.size();
+        for (int second = 1; second <= 20; ++second)
+            tickAt(f, at(10, 0, second));
+        QVERIFY(f.serial->opened.size() - before >= 5);
+        QCOMPARE(f.monitor->DriverState(), 2);
+
+        f.serial->refuse = false;
+        tickAt(f, at(10, 0, 24));
+        QVERIFY(f.serial->isOpen());
+        QCOMPARE(f.monitor->connectionLabel(), QStringLiteral("Connected"));
+        QVERIFY(f.eventLogLines().last().contains(QStringLiteral("\tLink Restored\t")));
+        f.serial->deliver(SampleWelds::stream(1));
+        QCOMPARE(f.monitor->totalWelds(), 1);
+
+        // A press of Stop while the adapter is away stops; it does not start afresh.
+        f.serial->pull();
+        f.monitor->StartStop();
+        QCOMPARE(f.monitor->startStopCaption(), QStringLiteral("&Start"));
+        QCOMPARE(f.monitor->totalWelds(), 1);
+    }
+
     void timerRunsFromInitialize()
     {
         MonitorFixture f;
