@@ -72,9 +72,10 @@ constexpr AlarmGroup kListedGroups[] = {AlarmGroup::CycleModified, AlarmGroup::E
 
 constexpr char kProcessDataStream[] = "CorvaneUsw.ProcessDataStream";
 
-// Frames one pass over an arrival takes before the event loop gets its turn again: a
-// few milliseconds of work with a data log.
-constexpr qsizetype kRecordsPerPass = 256;
+// Frames one pass over an arrival takes before the event loop gets its turn again: some
+// 20 ms of work with a data log, and more than a busy power supply's burst, which is
+// then still drawn once.
+constexpr qsizetype kRecordsPerPass = 1024;
 
 } // namespace
 

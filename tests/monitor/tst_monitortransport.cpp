@@ -14,14 +14,12 @@
 #include "protocol/Function26Frame.h"
 
 #include <QDeadlineTimer>
-#include <QElapsedTimer>
 #include <QFile>
 #include <QPointer>
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QTemporaryDir>
 #include <QTest>
-#include <QTimer>
 
 namespace {
 
@@ -204,37 +202,6 @@ private slots:
         m.monitor->StartStop();
         QCOMPARE(m.monitor->GetSocketState(), QStringLiteral("Closed"));
         QCOMPARE(m.monitor->startStopCaption(), QStringLiteral("&Start"));
-    }
-
-    void floodingLinkLeavesTimersOnTime()
-    {
-        QTcpServer server;
-        QVERIFY(server.listen(QHostAddress::LocalHost, 0));
-        RealMonitor m;
-        m.monitor->setEquipment(QStringLiteral("Flood"),
-                                QStringLiteral("IP:127.0.0.1:%1").arg(server.serverPort()));
-        m.monitor->StartStop();
-        QVERIFY(server.waitForNewConnection(5000));
-        QTcpSocket *cable = server.nextPendingConnection();
-        QTRY_COMPARE(m.monitor->DriverState(), 3);
-
-        // Far more welds than the monitor logs in the time allowed, sent at once.
-        const QByteArray welds = SampleWelds::stream(1000);
-        for (int i = 0; i < 100; ++i)
-            cable->write(welds);
-        int ticks = 0;
-        QTimer period;
-        connect(&period, &QTimer::timeout, [&] { ++ticks; });
-        period.start(100);
-        QElapsedTimer elapsed;
-        elapsed.start();
-        QTest::qWait(2000);
-        const qint64 expected = elapsed.elapsed() / 100;
-        QVERIFY2(m.monitor->totalWelds() > 0, "no weld was processed");
-        QVERIFY2(m.monitor->totalWelds() < 100000, "the flood was too small to test anything");
-        QVERIFY2(
-            ticks >= expected / 2,
-            qPrintable(QStringLiteral("%1 of %2 ticks while flooded").arg(ticks).arg(expected)));
     }
 
     void serialPortThatDoesNotExist()
