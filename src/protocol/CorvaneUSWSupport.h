@@ -13,10 +13,6 @@ quint8 GetByte(QByteArrayView buffer, qsizetype &pos, bool advance = true);
 qint16 GetInteger(QByteArrayView buffer, qsizetype &pos, bool advance = true);
 qint32 GetLong(QByteArrayView buffer, qsizetype &pos, bool advance = true);
 
-// Position-by-value forms for reads that do not move on.
-inline quint8 GetByteAt(QByteArrayView buffer, qsizetype pos) { return GetByte(buffer, pos, false); }
-inline qint16 GetIntegerAt(QByteArrayView buffer, qsizetype pos) { return GetInteger(buffer, pos, false); }
-
 void AppendBytes(ReceiveBuffer &buffer, QByteArrayView bytes);
 void RemoveLeadingBytes(ReceiveBuffer &buffer, qsizetype n);
 qint32 ByteCount(const ReceiveBuffer &buffer);

@@ -241,6 +241,7 @@ private slots:
         QVERIFY(port.open(settingsFor(line.slavePath()), nullptr));
         QByteArray got;
         connect(&port, &SerialPort::received, this, [&] { got += port.readAll(); });
+        QSignalSpy lost(&port, &SerialPort::lost);
         QVERIFY(line.write("last"));
         QTRY_COMPARE_WITH_TIMEOUT(got, QByteArray("last"), kWaitMs);
 
@@ -250,6 +251,9 @@ private slots:
         line.closeMaster();
         QTRY_VERIFY_WITH_TIMEOUT(!port.isOpen(), kWaitMs);
         QCOMPARE(got, QByteArray("last"));
+        // The monitor hears of it once, as a device gone away.
+        QTest::qWait(50);
+        QCOMPARE(lost.count(), 1);
     }
 };
 
