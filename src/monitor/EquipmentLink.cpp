@@ -133,7 +133,7 @@ void EquipmentLink::onSerialLost()
     m_serialLost = true;
     m_lastConnectTime = m_clock.now();
     m_reopenDelayMs = kSerialReopenMs + QRandomGenerator::global()->bounded(kSerialReopenJitterMs);
-    emit closed();
+    emit serialDeviceLost();
 }
 
 void EquipmentLink::ReconnectSocket()

@@ -65,8 +65,10 @@ signals:
     void bytesArrived(const QByteArray &bytes);
     // The TCP connection is established (link state 3 is already set).
     void connected();
-    // The power supply closed the connection, or the serial device went away.
+    // The power supply closed the TCP connection.
     void closed();
+    // The serial device went away while collecting; the link opens it again when it is back.
+    void serialDeviceLost();
     void errorOccurred(qint32 number, const QString &description, qint32 statusCode);
     // A connect or reopen was started.
     void connectAttempted();

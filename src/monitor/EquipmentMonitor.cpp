@@ -7,6 +7,7 @@
 
 #include "platform/Clock.h"
 #include "platform/ErrorPassing.h"
+#include "platform/SerialAddress.h"
 
 #include <QUuid>
 
@@ -36,13 +37,13 @@ void EquipmentMonitor::connectLink()
 {
     EquipmentLink *link = m_link.get();
     connect(link, &EquipmentLink::bytesArrived, this, [this](const QByteArray &bytes) {
-        if (m_link->isSerial())
+        if (SerialAddress::isSerial(m_configuration.address))
             MSComm1_OnComm(bytes);
         else
             Winsock1_DataArrival(bytes);
     });
     connect(link, &EquipmentLink::connected, this, &EquipmentMonitor::Winsock1_Connect);
-    connect(link, &EquipmentLink::closed, this, &EquipmentMonitor::Winsock1_Close);
+    connect(link, &EquipmentLink::serialDeviceLost, this, &EquipmentMonitor::MSComm1_DeviceLost);
     connect(link, &EquipmentLink::errorOccurred, this, &EquipmentMonitor::Winsock1_Error);
     connect(link, &EquipmentLink::connectAttempted, this, &EquipmentMonitor::NotifyStarted);
     connect(link, &EquipmentLink::portRefused, this, &EquipmentMonitor::StopDataCollection);

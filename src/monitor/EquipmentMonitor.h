@@ -114,7 +114,7 @@ public:
     QString GetSocketState() const;
     void Timer1_Timer();
     void Winsock1_Connect();
-    void Winsock1_Close();
+    void MSComm1_DeviceLost();
     void Winsock1_DataArrival(const QByteArray &bytes);
     void Winsock1_Error(qint32 number, const QString &description, qint32 statusCode);
     void MSComm1_OnComm(const QByteArray &bytes);

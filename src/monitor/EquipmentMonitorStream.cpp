@@ -266,14 +266,10 @@ void EquipmentMonitor::Winsock1_Connect()
     });
 }
 
-void EquipmentMonitor::Winsock1_Close()
+void EquipmentMonitor::MSComm1_DeviceLost()
 {
-    reportFailures(m_services.errors, "CorvaneUsw.Winsock1_Close", [&] {
-        // The power supply closing a TCP connection is left to the timer's reconnect
-        // rules; a serial device that went away is shown and logged here.
-        if (!m_link->serialPortLost())
-            return;
-        showConnectionLabel(GetSocketState());
+    reportFailures(m_services.errors, "CorvaneUsw.MSComm1_OnComm", [&] {
+        showConnectionLabel(translate(u"6045|Closed"));
         showConnectionProblem(true);
         m_linkEvents.serialLost();
     });
