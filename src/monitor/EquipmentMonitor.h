@@ -74,6 +74,7 @@ public:
     void setEquipment(const QString &name, const QString &address);
     void setDataLogging(bool enabled, const QString &fileName);
     SamplingSeam &sampling() { return *m_sampling; }
+    const SamplingSeam &sampling() const { return *m_sampling; }
 
     // Display rows: the characteristic number (0 none, 1 to 8) each row shows. A change
     // refreshes the display, as a change of the row's selector does.

@@ -1,5 +1,6 @@
 #include "HeadlessOptions.h"
 
+#include "mqtt/MqttSettings.h"
 #include "platform/ProgramFiles.h"
 
 #include <QCommandLineParser>
@@ -11,8 +12,9 @@ std::optional<HeadlessOptions> HeadlessOptions::parse(const QStringList &argumen
     const QCommandLineOption kDataDir(QStringLiteral("data-dir"), QString(), QStringLiteral("DIR"));
     const QCommandLineOption kVerbose(QStringLiteral("verbose"));
     const QCommandLineOption kHelp(QStringList{QStringLiteral("h"), QStringLiteral("help")});
+    const QCommandLineOption kMqtt(QStringLiteral("mqtt"), QString(), QStringLiteral("URL"));
     QCommandLineParser parser;
-    parser.addOptions({kHeadless, kDataDir, kVerbose, kHelp});
+    parser.addOptions({kHeadless, kDataDir, kVerbose, kHelp, kMqtt});
     if (!parser.parse(arguments)) {
         if (errorText)
             *errorText = parser.errorText();
@@ -32,6 +34,13 @@ std::optional<HeadlessOptions> HeadlessOptions::parse(const QStringList &argumen
     options.verbose = parser.isSet(kVerbose);
     options.debugMode = debugSwitchPresent(arguments.mid(1));
     options.help = parser.isSet(kHelp);
+    options.mqttUrl = parser.value(kMqtt);
+    QString urlError;
+    if (parser.isSet(kMqtt) && !MqttSettings().applyUrl(options.mqttUrl, &urlError)) {
+        if (errorText)
+            *errorText = urlError;
+        return std::nullopt;
+    }
     if (parser.isSet(kDataDir) && options.dataFolder.isEmpty()) {
         if (errorText)
             *errorText = QStringLiteral("--data-dir needs a folder.");
@@ -43,7 +52,7 @@ std::optional<HeadlessOptions> HeadlessOptions::parse(const QStringList &argumen
 QString HeadlessOptions::usage()
 {
     return QStringLiteral(
-        "Usage: corvane-monitor [--headless] [--data-dir DIR] [--verbose] [/debug]\n"
+        "Usage: corvane-monitor [--headless] [--data-dir DIR] [--verbose] [--mqtt URL] [/debug]\n"
         "Watches the welders of the configurations file in the data folder and logs\n"
         "their welds.\n"
         "\n"
@@ -52,6 +61,8 @@ QString HeadlessOptions::usage()
         "  --data-dir DIR  Data folder (overrides CORVANE_DATA_DIR).\n"
         "  --verbose       Print one line per weld: configuration, cycle, weld time,\n"
         "                  energy, alarms.\n"
+        "  --mqtt URL      Publish every weld to an MQTT broker: mqtt://host[:port][/root]\n"
+        "                  or mqtts://... (overrides the [MQTT] preferences).\n"
         "  /debug          Replace received values by simulated ones.\n"
         "  -h, --help      Show this help.\n");
 }

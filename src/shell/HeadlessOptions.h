@@ -16,6 +16,9 @@ struct HeadlessOptions
     // "/debug" anywhere on the command line, in any case: simulated values.
     bool debugMode = false;
     bool help = false;
+    // --mqtt mqtt://host:port/root (or mqtts://): the broker to publish to, over the
+    // [MQTT] section of the preferences file.
+    QString mqttUrl;
 
     // The options of arguments (the program's name first). Unknown options, a missing
     // option value and stray arguments are bad usage: no options, and the reason in
