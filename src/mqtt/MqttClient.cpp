@@ -66,8 +66,8 @@ void MqttClient::start()
     mosquitto_int_option(m_mosq, MOSQ_OPT_PROTOCOL_VERSION,
                          m_settings.protocol == MqttSettings::Protocol::V5 ? MQTT_PROTOCOL_V5
                                                                            : MQTT_PROTOCOL_V311);
-    mosquitto_int_option(m_mosq, MOSQ_OPT_SEND_MAXIMUM, 100);
-    mosquitto_max_inflight_messages_set(m_mosq, 100);
+    mosquitto_int_option(m_mosq, MOSQ_OPT_SEND_MAXIMUM, kInFlightWindow);
+    mosquitto_max_inflight_messages_set(m_mosq, kInFlightWindow);
     if (!m_settings.user.isEmpty()) {
         const QByteArray password = m_settings.password.toUtf8();
         mosquitto_username_pw_set(m_mosq, m_settings.user.toUtf8().constData(),

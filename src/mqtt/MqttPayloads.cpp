@@ -1,11 +1,9 @@
 #include "MqttPayloads.h"
 
+#include "JsonWriter.h"
+
 #include "monitor/AlarmNames.h"
 #include "protocol/CorvaneFUN26.h"
-
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 
 namespace MqttPayloads {
 
@@ -28,83 +26,81 @@ constexpr NamedGroup kAlarmGroups[] = {
 };
 
 // Every field of the record under its own name, in display units.
-QJsonObject recordFields(const CorvaneFUN26 &r)
+void writeRecord(JsonWriter &json, const CorvaneFUN26 &r)
 {
-    return QJsonObject{
-        {"CycleCount", r.CycleCount},
-        {"Hour", r.Hour},
-        {"Minute", r.Minute},
-        {"Second", r.Second},
-        {"Year", r.Year},
-        {"Month", r.Month},
-        {"Day", r.Day},
-        {"ActualWeldTime", r.ActualWeldTime},
-        {"TotalEnergy", r.TotalEnergy},
-        {"ActualDistance", r.ActualDistance},
-        {"ActualWeldCollapse", r.ActualWeldCollapse},
-        {"ActualTotalCollapse", r.ActualTotalCollapse},
-        {"ActualStartFrequency", r.ActualStartFrequency},
-        {"ActualEndFrequency", r.ActualEndFrequency},
-        {"FrequencyChange", r.FrequencyChange},
-        {"FrequencyMinimum", r.FrequencyMinimum},
-        {"FrequencyMaximum", r.FrequencyMaximum},
-        {"ActualVelocity", r.ActualVelocity},
-        {"TriggerDistance", r.TriggerDistance},
-        {"RejectPartAlarms", r.RejectPartAlarms},
-        {"SuspectPartAlarms", r.SuspectPartAlarms},
-        {"NoCycleAlarms", r.NoCycleAlarms},
-        {"OverloadAlarms", r.OverloadAlarms},
-        {"EquipmentFailureAlarms", r.EquipmentFailureAlarms},
-        {"CycleModifiedAlarms", r.CycleModifiedAlarms},
-        {"PresetNumber", r.PresetNumber},
-        {"Units", r.Units},
-        {"PresentLimitsChanged", r.PresentLimitsChanged},
-        {"ReservedByte", r.ReservedByte},
-        {"NoteAlarms", r.NoteAlarms},
-        {"SetAmplitudeA", r.SetAmplitudeA},
-        {"SetAmplitudeB", r.SetAmplitudeB},
-        {"WeldMode", r.WeldMode},
-        {"PowerSupplyControlFlags", r.PowerSupplyControlFlags},
-        {"PeakPower", r.PeakPower},
-        {"WeldPresure", r.WeldPresure},
-        {"WeldForceEnd", r.WeldForceEnd},
-        {"HoldForceEnd", r.HoldForceEnd},
-        {"TotalCycleTime", r.TotalCycleTime},
-        {"TriggerForce", r.TriggerForce},
-    };
+    json.beginObject("record");
+    json.field("CycleCount", r.CycleCount);
+    json.field("Hour", r.Hour);
+    json.field("Minute", r.Minute);
+    json.field("Second", r.Second);
+    json.field("Year", r.Year);
+    json.field("Month", r.Month);
+    json.field("Day", r.Day);
+    json.field("ActualWeldTime", r.ActualWeldTime);
+    json.field("TotalEnergy", r.TotalEnergy);
+    json.field("ActualDistance", r.ActualDistance);
+    json.field("ActualWeldCollapse", r.ActualWeldCollapse);
+    json.field("ActualTotalCollapse", r.ActualTotalCollapse);
+    json.field("ActualStartFrequency", r.ActualStartFrequency);
+    json.field("ActualEndFrequency", r.ActualEndFrequency);
+    json.field("FrequencyChange", r.FrequencyChange);
+    json.field("FrequencyMinimum", r.FrequencyMinimum);
+    json.field("FrequencyMaximum", r.FrequencyMaximum);
+    json.field("ActualVelocity", r.ActualVelocity);
+    json.field("TriggerDistance", r.TriggerDistance);
+    json.field("RejectPartAlarms", r.RejectPartAlarms);
+    json.field("SuspectPartAlarms", r.SuspectPartAlarms);
+    json.field("NoCycleAlarms", r.NoCycleAlarms);
+    json.field("OverloadAlarms", r.OverloadAlarms);
+    json.field("EquipmentFailureAlarms", r.EquipmentFailureAlarms);
+    json.field("CycleModifiedAlarms", r.CycleModifiedAlarms);
+    json.field("PresetNumber", r.PresetNumber);
+    json.field("Units", r.Units);
+    json.field("PresentLimitsChanged", r.PresentLimitsChanged);
+    json.field("ReservedByte", r.ReservedByte);
+    json.field("NoteAlarms", r.NoteAlarms);
+    json.field("SetAmplitudeA", r.SetAmplitudeA);
+    json.field("SetAmplitudeB", r.SetAmplitudeB);
+    json.field("WeldMode", r.WeldMode);
+    json.field("PowerSupplyControlFlags", r.PowerSupplyControlFlags);
+    json.field("PeakPower", r.PeakPower);
+    json.field("WeldPresure", r.WeldPresure);
+    json.field("WeldForceEnd", r.WeldForceEnd);
+    json.field("HoldForceEnd", r.HoldForceEnd);
+    json.field("TotalCycleTime", r.TotalCycleTime);
+    json.field("TriggerForce", r.TriggerForce);
+    json.endObject();
 }
 
 } // namespace
 
 QByteArray weld(const WeldContext &context, const CorvaneFUN26 &record, const qlxLanguage &language)
 {
-    QJsonObject alarms;
-    for (const NamedGroup &group : kAlarmGroups) {
-        alarms.insert(QLatin1String(group.name),
-                      QJsonArray::fromStringList(groupAlarmNames(record, group.group, language)));
-    }
-    const QJsonObject message{
-        {"configuration", context.configuration},
-        {"part", context.part},
-        {"process", context.process},
-        {"acquiredTime", isoTime(record.AcquiredTime)},
-        {"cycleCount", record.CycleCount},
-        {"unitSystem", context.measurementSystem == MeasurementSystem::US ? "US" : "metric"},
-        {"weldMode", record.WeldModeDescription(language)},
-        {"record", recordFields(record)},
-        {"alarms", alarms},
-    };
-    return QJsonDocument(message).toJson(QJsonDocument::Compact);
+    JsonWriter json;
+    json.field("configuration", context.configuration);
+    json.field("part", context.part);
+    json.field("process", context.process);
+    json.field("acquiredTime", isoTime(record.AcquiredTime));
+    json.field("cycleCount", record.CycleCount);
+    json.field("unitSystem", context.measurementSystem == MeasurementSystem::US
+                                 ? QStringLiteral("US")
+                                 : QStringLiteral("metric"));
+    json.field("weldMode", record.WeldModeDescription(language));
+    writeRecord(json, record);
+    json.beginObject("alarms");
+    for (const NamedGroup &group : kAlarmGroups)
+        json.field(group.name, groupAlarmNames(record, group.group, language));
+    json.endObject();
+    return json.take();
 }
 
 QByteArray linkState(const QString &configuration, LinkState state, const QDateTime &time)
 {
-    const QJsonObject message{
-        {"configuration", configuration},
-        {"state", linkStateName(state)},
-        {"time", isoTime(time)},
-    };
-    return QJsonDocument(message).toJson(QJsonDocument::Compact);
+    JsonWriter json;
+    json.field("configuration", configuration);
+    json.field("state", linkStateName(state));
+    json.field("time", isoTime(time));
+    return json.take();
 }
 
 QString linkStateName(LinkState state)
