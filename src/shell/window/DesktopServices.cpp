@@ -9,6 +9,8 @@
 #include "platform/QtSerialPort.h"
 #include "platform/TcpSocketPort.h"
 #include "sampling/SamplingProperties.h"
+#include "shell/BrokerPublishing.h"
+#include "shell/ShellFiles.h"
 #include "shell/ShellSettings.h"
 
 DesktopServices::DesktopServices(const StartupOptions &options, const QString &applicationTitle,
@@ -34,7 +36,13 @@ DesktopServices::DesktopServices(const StartupOptions &options, const QString &a
                   .fileChooser = m_fileChooser,
                   .clock = m_clock})
     , m_samplingDialogs{.errors = m_errors, .messages = m_messages}
-{}
+{
+    const ShellFiles files = ShellFiles::resolve(m_programFiles, *m_settings);
+    const MqttSettings broker = BrokerPublishing::settingsFor(
+        files.preferencesPath, options.program.mqttUrl, &m_brokerNotice);
+    m_broker = BrokerPublishing::start(broker, m_eventLog, files.measurementSystem, m_clock,
+                                       &m_brokerNotice);
+}
 
 DesktopServices::~DesktopServices() = default;
 
@@ -85,6 +93,8 @@ MonitorSlot DesktopServices::makeSlot(int slotIndex, const ShellFiles &files,
         .randomSeed = std::nullopt,
         .makeSampling = makeSampling,
     });
+    if (m_broker)
+        m_broker->watch(*monitor);
     auto *view = new CorvaneUsw(*monitor, m_errors);
     return {std::make_unique<WindowMonitorSlot>(std::move(monitor), view), view};
 }
