@@ -7,7 +7,7 @@
 #include "monitor/SamplingSeam.h"
 #include "platform/Clock.h"
 
-using MqttPayloads::LinkState;
+using BusState = MqttPayloads::LinkState;
 
 MqttPublisher::MqttPublisher(MqttClient &client, MeasurementSystem measurementSystem,
                              const Clock &clock, QObject *parent)
@@ -22,26 +22,29 @@ void MqttPublisher::watch(EquipmentMonitor &monitor)
     EquipmentMonitor *source = &monitor;
     connect(source, &EquipmentMonitor::weldProcessed, this,
             [this, source](const CorvaneFUN26 &record) { publishWeld(*source, record); });
+    // A serial port that opened or was refused shows only in the connection label.
     const auto stateMayHaveChanged = [this, source] { publishLinkState(*source); };
+    connect(source, &EquipmentMonitor::linkStateChanged, this, stateMayHaveChanged);
     connect(source, &EquipmentMonitor::connectionLabelChanged, this, stateMayHaveChanged);
-    connect(source, &EquipmentMonitor::startStopCaptionChanged, this, stateMayHaveChanged);
     connect(source, &QObject::destroyed, this, [this, source] { m_lastStates.remove(source); });
 }
 
-LinkState MqttPublisher::linkStateOf(const EquipmentMonitor &monitor)
+BusState MqttPublisher::linkStateOf(const EquipmentMonitor &monitor)
 {
     const QString label = monitor.connectionLabel();
     if (label == monitor.language().Translate(u"6056|Invalid Port Number"))
-        return LinkState::InvalidPort;
-    switch (monitor.DriverState()) {
-    case 2:
-        return label == monitor.language().Translate(u"6052|Connected") ? LinkState::Connected
-                                                                        : LinkState::Connecting;
-    case 3:
-        return LinkState::Connected;
-    default:
-        return LinkState::Stopped;
+        return BusState::InvalidPort;
+    switch (monitor.linkState()) {
+    case LinkState::ConnectRequested:
+        return label == monitor.language().Translate(u"6052|Connected") ? BusState::Connected
+                                                                        : BusState::Connecting;
+    case LinkState::Connected:
+        return BusState::Connected;
+    case LinkState::ShutDown:
+    case LinkState::Stopped:
+        break;
     }
+    return BusState::Stopped;
 }
 
 void MqttPublisher::publishWeld(const EquipmentMonitor &monitor, const CorvaneFUN26 &record)
@@ -64,7 +67,7 @@ void MqttPublisher::publishLinkState(const EquipmentMonitor &monitor)
     const QString name = monitor.configurationName();
     if (name.isEmpty())
         return;
-    const LinkState state = linkStateOf(monitor);
+    const BusState state = linkStateOf(monitor);
     const auto last = m_lastStates.constFind(&monitor);
     if (last != m_lastStates.cend() && *last == state)
         return;

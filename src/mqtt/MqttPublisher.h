@@ -27,9 +27,9 @@ public:
     // by itself when the monitor is destroyed.
     void watch(EquipmentMonitor &monitor);
 
-    // The link state the monitor shows: its link state number, told apart where it does
-    // not say enough by the connection label (a serial port that opened, a port number
-    // that was refused).
+    // The link state the monitor shows: its link state, told apart where that does not say
+    // enough by the connection label (a serial port that opened, a port number that was
+    // refused).
     static MqttPayloads::LinkState linkStateOf(const EquipmentMonitor &monitor);
 
 private:
