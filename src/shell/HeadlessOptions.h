@@ -13,7 +13,7 @@ struct HeadlessOptions
     QString dataFolder;
     // One line per weld on standard output.
     bool verbose = false;
-    // "/debug" anywhere on the command line, in any case: simulated values.
+    // "/debug" as an argument of its own, in any case: simulated values.
     bool debugMode = false;
     bool help = false;
 

@@ -31,9 +31,13 @@ std::vector<HistogramBin> LoadHistoBins(std::span<const double> values, double l
     }
 
     for (const double value : values) {
-        const int index = histogramBinIndex(bins, value);
+        int index = histogramBinIndex(bins, value);
+        if (index < 0 && !std::isnan(value)) {
+            index = value < bins.front().lowerEdge ? 0 : kHistogramBinCount - 1;
+            bins[size_t(index)].holdsFarValues = true;
+        }
         if (index >= 0)
-            ++bins[index].count;
+            ++bins[size_t(index)].count;
     }
     return bins;
 }

@@ -31,6 +31,7 @@ SummaryFigures SummaryFigures::fromDataset(const Dataset &dataset)
     figures.Maximum = dataset.Maximum();
     figures.Average = dataset.Average();
     figures.NumberFormat = dataset.NumberFormat();
+    figures.Unit = dataset.Unit;
     figures.Values = dataset.GetDataset();
 
     const bool hasLower = dataset.LimitFlags & Dataset::kLowerSpecLimit;

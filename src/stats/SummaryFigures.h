@@ -20,6 +20,8 @@ struct SummaryFigures
     double Maximum = 0;
     double Average = 0;
     QString NumberFormat;
+    // The characteristic's unit, shown beside minimum, average and maximum.
+    QString Unit;
     QVector<double> Values;
 
     // Takes the figures of a Dataset. A limit that the Dataset does not define is replaced

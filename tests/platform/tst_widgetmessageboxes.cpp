@@ -75,6 +75,19 @@ private slots:
         whenBoxShown([](QMessageBox *box) { QTest::keyClick(box, Qt::Key_Return); });
         QVERIFY(!messages.question(QStringLiteral("SPC"), QStringLiteral("Add the part?")));
     }
+
+    // A short text under a long title: the box is wide enough for the whole title.
+    void theTitleFits()
+    {
+        const QString title = QStringLiteral("Kommunikationseinstellungen - Schweißlinie 4");
+        int width = 0, needed = 0;
+        whenBoxShown([&](QMessageBox *box) {
+            width = box->width();
+            needed = box->fontMetrics().horizontalAdvance(title);
+        });
+        WidgetMessageBoxes().critical(title, QStringLiteral("Ungültiger Wert"));
+        QVERIFY2(width > needed, qPrintable(QStringLiteral("%1 <= %2").arg(width).arg(needed)));
+    }
 };
 
 QTEST_MAIN(TestWidgetMessageBoxes)

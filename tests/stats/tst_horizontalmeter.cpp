@@ -56,7 +56,7 @@ class TestHorizontalMeter : public QObject
     Q_OBJECT
 
 private slots:
-    void designColoursConvert()
+    void blueGreenRedColoursConvert()
     {
         QCOMPARE(BgrColor::toColor(0x123456), QColor(0x56, 0x34, 0x12));
         QCOMPARE(BgrColor::fromColor(QColor(0x56, 0x34, 0x12)), 0x123456u);

@@ -281,8 +281,12 @@ QSize HorizontalMeter::sizeHint() const
 
 QSize HorizontalMeter::minimumSizeHint() const
 {
-    const int textHeight = fontMetrics().height();
-    return QSize(120, 1 + kMinBarHeight + kMarkerRowHeight + textHeight);
+    // Narrower, the two limit labels and the unit between them run into each other.
+    const QFontMetrics metrics = fontMetrics();
+    const int label = metrics.horizontalAdvance(QStringLiteral("-0000.0000"));
+    const int width = 2 * label + metrics.horizontalAdvance(QStringLiteral("mm/s")) +
+                      4 * metrics.averageCharWidth();
+    return QSize(width, 1 + kMinBarHeight + kMarkerRowHeight + metrics.height());
 }
 
 void HorizontalMeter::resizeEvent(QResizeEvent *event)

@@ -1,6 +1,7 @@
 #include "WindowFixture.h"
 
 #include "shell/window/ProgramVersion.h"
+#include "shell/window/WelderStatus.h"
 #include "shell/window/dlgSplash.h"
 
 #include <QAction>
@@ -55,6 +56,25 @@ private:
             tree << (item->isSeparator() ? QStringLiteral("-") : item->objectName())
                  << (item->menu() ? menuTree(item->menu()->actions()) : QString());
         return tree.join(u' ').simplified();
+    }
+
+    // The captions whose access key an earlier item of the same menu level has.
+    static QStringList clashingAccessKeys(const QList<QAction *> &actions)
+    {
+        QStringList keys, clashes, texts;
+        for (QAction *item : actions) {
+            texts << (item->menu() ? item->menu()->title() : item->text());
+            if (item->menu())
+                clashes << clashingAccessKeys(item->menu()->actions());
+        }
+        for (const QString &text : texts) {
+            const qsizetype at = text.indexOf(u'&');
+            const QString key = at < 0 ? QString() : text.mid(at + 1, 1).toLower();
+            if (!key.isEmpty() && keys.contains(key))
+                clashes << text;
+            keys << key;
+        }
+        return clashes;
     }
 
 private slots:
@@ -235,6 +255,7 @@ private slots:
         // A file that could not be read is no first start.
         QVERIFY(window.autoAddTimer() == nullptr);
 
+        f().commands.names = QStringList{"Press 1"};
         window.mnuAdd_Click();
         QSignalSpy unloaded(&window, &dlgMain::unloaded);
         window.mnuShutDown_Click();
@@ -328,6 +349,12 @@ private slots:
         QCOMPARE(menuTree(menus.mnuPopup->actions()),
                  QStringLiteral("mnuOpenWindow - mnuViewErrorLog - mnuShutDown2"));
         QCOMPARE(menus.mnuStartStop->shortcut(), QKeySequence(Qt::Key_F5));
+        // Every menu's access keys are its own, Start as well as Stop.
+        for (QStringView startStop : {u"3786|&Start", u"929|&Stop"}) {
+            menus.mnuStartStop->setText(window.language().Translate(startStop));
+            QCOMPARE(clashingAccessKeys(window.menuBar()->actions()), QStringList());
+        }
+        QCOMPARE(clashingAccessKeys(menus.mnuPopup->actions()), QStringList());
         QVERIFY(f().errors.isEmpty());
     }
 
@@ -344,6 +371,7 @@ private slots:
         QCOMPARE(f().helpPages.size(), 2);
         QCOMPARE(f().helpPages[0].fileName(), QStringLiteral("contents.html"));
         QCOMPARE(f().helpPages[1].fileName(), QStringLiteral("getting-started.html"));
+        f().write(QStringLiteral("corvane-monitor.log"), "23.11.2026 14:00 Press 1: refused\n");
         window.menus().mnuViewErrorLog->trigger();
         QCOMPARE(f().viewerCommands.size(), 1);
         const DatabaseSupport::ViewerCommand &viewer = f().viewerCommands[0];
@@ -374,6 +402,88 @@ private slots:
         QCOMPARE(f().errors.count(), 1);
         QCOMPARE(f().errors.last().location, QStringLiteral("dlgMain.mnuGettingStarted_Click"));
         QVERIFY(f().errors.last().source.startsWith(QLatin1String("HelpModule.")));
+    }
+
+    // Cancel in the Equipment Settings that Add opened takes the new welder back, so no
+    // nameless one is saved and the next start offers Add again.
+    void cancelledAddLeavesNoWelder()
+    {
+        dlgMain &window = f().open();
+        QTRY_COMPARE_WITH_TIMEOUT(f().commands.calls.size(), 1, 5000);
+        QCOMPARE(window.ConfigurationCount(), 0);
+        QCOMPARE(f().tabCaptions(), QStringList());
+        window.mnuShutDown_Click();
+        QVERIFY(!f().read().contains("<Equipment"));
+        QVERIFY(f().open().autoAddTimer() != nullptr);
+    }
+
+    // Without a browser or viewer, or without an event log yet, the user is told which
+    // file it is and why it does not open.
+    void helpAndLogThatCannotBeShownAreExplained()
+    {
+        f().desktopOpens = false;
+        dlgMain &window = f().open();
+        window.menus().mnuViewErrorLog->trigger();
+        f().write(QStringLiteral("corvane-monitor.log"), "23.11.2026 14:00 Press 1: refused\n");
+        window.menus().mnuViewErrorLog->trigger();
+        window.menus().mnuGettingStarted->trigger();
+        QCOMPARE(f().viewerCommands.size(), 1);
+        QCOMPARE(f().messages.count(), 3);
+        const QString log =
+            QDir::toNativeSeparators(f().path(QStringLiteral("corvane-monitor.log")));
+        QVERIFY(f().messages.messages[0].text.contains(log + QStringLiteral(" is still empty")));
+        QVERIFY(f().messages.messages[1].text.contains(log + QStringLiteral(" cannot be opened")));
+        QVERIFY(f().messages.messages[2].text.contains(QStringLiteral("getting-started.html")));
+        QVERIFY(f().errors.isEmpty());
+    }
+
+    // A welder whose link is down or whose last weld is out of specification shows it on
+    // its tab, however hidden; the tray counts the welders that are not connected.
+    void welderConditionsShowOnTabsAndTray()
+    {
+        writeThreeWelders();
+        dlgMain &window = f().open();
+        QSystemTrayIcon *tray = window.trayIcon();
+        const qint64 wellImage = tray->icon().cacheKey();
+        f().monitors[1]->shownCondition = WelderCondition::LinkDown;
+        f().monitors[2]->shownCondition = WelderCondition::OutOfSpecification;
+        window.welderStatus()->refresh();
+        QTabBar *tabs = window.tabStrip();
+        QVERIFY(tabs->tabIcon(0).isNull());
+        QVERIFY(!tabs->tabIcon(1).isNull() && !tabs->tabIcon(2).isNull());
+        QVERIFY(tabs->tabIcon(1).cacheKey() != tabs->tabIcon(2).cacheKey());
+        QCOMPARE(tabs->tabToolTip(1), QStringLiteral("The link to the power supply is not up"));
+        const QString title = QLatin1String(WindowFixture::kTitle);
+        QCOMPARE(tray->toolTip(), title + QStringLiteral("\n1 welder not connected"));
+        QVERIFY(tray->icon().cacheKey() != wellImage);
+
+        // The window looks again by itself.
+        f().monitors[0]->shownCondition = WelderCondition::LinkDown;
+        QTRY_COMPARE_WITH_TIMEOUT(tray->toolTip(),
+                                  title + QStringLiteral("\n2 welders not connected"), 3000);
+        for (FakeMonitor *monitor : f().monitors)
+            monitor->shownCondition = WelderCondition::Connected;
+        window.welderStatus()->refresh();
+        QCOMPARE(tray->toolTip(), title);
+        QVERIFY(tabs->tabIcon(1).isNull() && tabs->tabToolTip(1).isEmpty());
+    }
+
+    // Closing the window says once that the program keeps running; About Data Source
+    // tells which SPC database the selected welder samples into and whether it is reached.
+    void trayNoticeAndAboutDataSource()
+    {
+        f().writeConfigurations({welder("Press 2", " Sampling=\"1\"")});
+        dlgMain &window = f().open();
+        QVERIFY(!window.trayNoticeGiven());
+        window.close();
+        QVERIFY(window.trayNoticeGiven() && !window.isVisible());
+
+        f().monitors[0]->shownSource = {QStringLiteral("postgresql://spc@qs-server/plant"), true};
+        window.mnuAboutDB_Click();
+        QCOMPARE(f().messages.count(), 1);
+        QCOMPARE(f().messages.last().title, QStringLiteral("About Data Source"));
+        for (const char *part : {"postgresql://spc@qs-server/plant", "PostgreSQL", "Connected"})
+            QVERIFY2(f().messages.last().text.contains(QLatin1String(part)), part);
     }
 
     void aboutBoxWithoutBuildNumber()
