@@ -236,6 +236,25 @@ private slots:
         QCOMPARE(image.pixelColor(apex), QColor(Qt::red));
     }
 
+    // In a tall row (a maximised window) the markers grow with the row: three times as
+    // large at 130 pixels, still pinned inside the bar.
+    void tallRowsDrawLargerMarkers()
+    {
+        HorizontalMeter meter;
+        pinCurrentMarker(meter);
+        meter.resize(kWidth, 130);
+        const QImage image = grabImage(meter);
+        const QRect box = meter.markerBox(MeterMarker::Current);
+        QCOMPARE(box.size(),
+                 QSize(3 * HorizontalMeter::kMarkerWidth, 3 * HorizontalMeter::kMarkerHeight));
+        QCOMPARE(box.right(), meter.barRect().left() + kWidth - 4);
+        // The triangle's base row, 27 pixels wide and 3 high.
+        QCOMPARE(image.pixelColor(box.left() + 3, box.top() + 15), QColor(Qt::red));
+        QCOMPARE(image.pixelColor(box.left() + 29, box.top() + 17), QColor(Qt::red));
+        QCOMPARE(image.pixelColor(box.left() + 2, box.top() + 15),
+                 meter.palette().color(QPalette::Window));
+    }
+
     // A weld burst changes many properties in a row; each schedules a repaint, and the
     // burst is painted once.
     void burstOfChangesPaintsOnce()
