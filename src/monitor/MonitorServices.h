@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/MeasurementSystem.h"
+#include "stats/Dataset.h"
 
 #include <functional>
 #include <memory>
@@ -33,6 +34,9 @@ struct MonitorServices
     // each tab shows values of its own; a monitor made without it (a tool, a test) gets
     // one of its own that starts where the generator always starts.
     WeldSimulator *simulator = nullptr;
+    // Values of each characteristic kept one by one before the oldest are folded into a
+    // tally (a month at one weld a second unless the plant says otherwise).
+    qint64 valueBound = Dataset::kDefaultValueBound;
     // Maker of the SPC sampling object; without one the monitor samples nothing.
     std::function<std::unique_ptr<SamplingSeam>()> makeSampling = {};
 };

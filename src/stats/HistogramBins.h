@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ValueTally.h"
+
 #include <QtGlobal>
 
 #include <optional>
@@ -25,9 +27,9 @@ struct HistogramBin
 // that bin: the bars beyond a limit then add up to the count beyond it. Values that are
 // not numbers are not counted. The limits themselves are exact bin edges (the
 // lower edge of bin 1 and the upper edge of bin 20), so no rounding error makes a bin
-// seem to straddle a limit.
+// seem to straddle a limit. Folded values of a long run count with their tally.
 std::vector<HistogramBin> LoadHistoBins(std::span<const double> values, double limitLower,
-                                        double limitUpper);
+                                        double limitUpper, std::span<const ValueCount> folded = {});
 
 // The index of the bin that counts value, or -1 when it lies outside the bins.
 int histogramBinIndex(const std::vector<HistogramBin> &bins, double value);

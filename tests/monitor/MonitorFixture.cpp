@@ -4,7 +4,7 @@
 
 MonitorFixture::MonitorFixture(bool debugMode, MeasurementSystem system,
                                std::function<std::unique_ptr<SamplingSeam>()> makeSampling,
-                               WeldSimulator *shared)
+                               qint64 valueBound, WeldSimulator *shared)
     : eventLog(folder.filePath(QStringLiteral("events.log")), clock)
 {
     MonitorServices services{
@@ -27,6 +27,7 @@ MonitorFixture::MonitorFixture(bool debugMode, MeasurementSystem system,
                 return port;
             },
         .simulator = shared ? shared : &simulator,
+        .valueBound = valueBound,
         .makeSampling = std::move(makeSampling),
     };
     monitor = std::make_unique<EquipmentMonitor>(std::move(services));

@@ -22,6 +22,7 @@ struct MonitorFixture
     explicit MonitorFixture(bool debugMode = false,
                             MeasurementSystem system = MeasurementSystem::Metric,
                             std::function<std::unique_ptr<SamplingSeam>()> makeSampling = {},
+                            qint64 valueBound = Dataset::kDefaultValueBound,
                             WeldSimulator *shared = nullptr);
 
     // A monitor with the given address, initialized and loaded.

@@ -260,7 +260,8 @@ private slots:
 
         // Two tabs share the program's generator, so one weld shows differently on each.
         MonitorFixture left(true);
-        MonitorFixture right(true, MeasurementSystem::Metric, {}, &left.simulator);
+        MonitorFixture right(true, MeasurementSystem::Metric, {}, Dataset::kDefaultValueBound,
+                             &left.simulator);
         for (MonitorFixture *tab : {&left, &right}) {
             tab->configure();
             tab->feed(framesOf({sent}));

@@ -47,6 +47,7 @@ private:
     // The captions of the error window, which exists before the main window.
     qlxLanguage m_errorWindowLanguage;
     bool m_debugMode;
+    qint64 m_valuesKept;
     SystemClock m_clock;
     // "/debug": one generator for every tab, started afresh on each run.
     WeldSimulator m_simulator{QRandomGenerator::system()->generate()};

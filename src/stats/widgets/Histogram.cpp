@@ -130,9 +130,10 @@ void Histogram::setAutoRefresh(bool autoRefresh)
     m_autoRefresh = autoRefresh;
 }
 
-void Histogram::setValues(const QVector<double> &values)
+void Histogram::setValues(const QVector<double> &values, const QVector<ValueCount> &folded)
 {
     m_values = values;
+    m_folded = folded;
     propertyChanged(Change::Recount);
 }
 
@@ -168,7 +169,7 @@ void Histogram::LoadHistoBins()
 {
     passOn("Histogram.LoadHistoBins", [this] {
         m_bins = ::LoadHistoBins(std::span<const double>(m_values.constData(), m_values.size()),
-                                 m_limitLower, m_limitUpper);
+                                 m_limitLower, m_limitUpper, m_folded);
     });
 }
 
@@ -238,7 +239,7 @@ void Histogram::paintEvent(QPaintEvent *)
         painter.drawRect(rect().adjusted(0, 0, -1, -1));
 
         const QRect plot = plotRect();
-        if (m_values.isEmpty() && !m_emptyText.isEmpty()) {
+        if (m_values.isEmpty() && m_folded.isEmpty() && !m_emptyText.isEmpty()) {
             painter.setPen(palette().color(QPalette::PlaceholderText));
             painter.drawText(plot, Qt::AlignCenter | Qt::TextWordWrap, m_emptyText);
         }

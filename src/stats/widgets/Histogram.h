@@ -75,7 +75,8 @@ public:
     void setAutoRefresh(bool autoRefresh);
 
     const QVector<double> &values() const { return m_values; }
-    void setValues(const QVector<double> &values);
+    // The values one by one, and the tally of values folded in a long run.
+    void setValues(const QVector<double> &values, const QVector<ValueCount> &folded = {});
 
     // Shown over the plot while there are no values (already translated); none by default.
     void setEmptyText(const QString &text);
@@ -127,6 +128,7 @@ private:
     bool m_autoRefresh = true;
     QVector<double> m_values;
     QString m_emptyText;
+    QVector<ValueCount> m_folded;
 
     std::vector<HistogramBin> m_bins;
     std::vector<quint32> m_barColors;

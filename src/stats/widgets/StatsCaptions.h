@@ -16,5 +16,7 @@ inline constexpr QStringView kLastValue = u"7404|Last value";
 inline constexpr QStringView kTotal = u"7405|Total";
 inline constexpr QStringView kClose = u"7400|&Close";
 inline constexpr QStringView kNoValuesYet = u"7406|no values yet";
+inline constexpr QStringView kValues = u"7407|Values";
+inline constexpr QStringView kFolded = u"7408|oldest kept as a histogram only";
 
 } // namespace StatsCaptions

@@ -59,6 +59,10 @@ dlgSummary::dlgSummary(const qlxLanguage &language, ErrorReport &errors, QWidget
     grid->setColumnMinimumWidth(2, 24);
     grid->setColumnStretch(5, 1);
 
+    // How many values the figures cover; in a long run, how many of them only as a tally.
+    m_lblCoverage = new QLabel(this);
+    m_lblCoverage->setObjectName(QStringLiteral("lblCoverage"));
+
     m_histogram = new Histogram(this);
     m_histogram->setObjectName(QStringLiteral("ctlHistogram"));
     m_histogram->setErrorReport(&m_errors);
@@ -76,6 +80,7 @@ dlgSummary::dlgSummary(const qlxLanguage &language, ErrorReport &errors, QWidget
     auto *layout = new QVBoxLayout(this);
     layout->addWidget(m_lblTitle);
     layout->addLayout(grid);
+    layout->addWidget(m_lblCoverage);
     layout->addWidget(m_histogram, 1);
     layout->addLayout(buttons);
 }
@@ -119,7 +124,7 @@ qint32 dlgSummary::CountLSL() const
     return passOn("dlgSummary.CountLSL", [this] {
         return countBelow(
             std::span<const double>(m_figures.Values.constData(), m_figures.Values.size()),
-            m_figures.LSL);
+            m_figures.LSL, m_figures.Folded);
     });
 }
 
@@ -128,7 +133,7 @@ qint32 dlgSummary::CountUSL() const
     return passOn("dlgSummary.CountUSL", [this] {
         return countAbove(
             std::span<const double>(m_figures.Values.constData(), m_figures.Values.size()),
-            m_figures.USL);
+            m_figures.USL, m_figures.Folded);
     });
 }
 
@@ -160,7 +165,7 @@ void dlgSummary::Form_Load()
         // value: they stay empty and the plot says that no values came yet.
         const NumberPicture picture(m_figures.NumberFormat);
         const auto figure = [&](double value) {
-            if (m_figures.Values.isEmpty())
+            if (m_figures.valueCount() == 0)
                 return QString();
             const QString number = picture.format(value, locale());
             return m_figures.Unit.isEmpty() ? number : number + u' ' + m_figures.Unit;
@@ -177,12 +182,20 @@ void dlgSummary::Form_Load()
             throw ProgramError::overflow(QStringLiteral("dlgSummary.Form_Load"));
         m_lblTotal->setText(QString::number(below + above));
 
+        QString coverage =
+            translate(StatsCaptions::kValues) + QStringLiteral(": %1").arg(m_figures.valueCount());
+        if (m_figures.FoldedCount > 0)
+            coverage += QStringLiteral(" (%1: %2)")
+                            .arg(translate(StatsCaptions::kFolded))
+                            .arg(m_figures.FoldedCount);
+        m_lblCoverage->setText(coverage);
+
         m_histogram->setAutoRefresh(false);
         m_histogram->setLimits(m_figures.LSL, m_figures.USL);
         m_histogram->setWarningUpper(m_figures.WarningUpper);
         m_histogram->setWarningLower(m_figures.WarningLower);
         m_histogram->setNumberFormat(m_figures.NumberFormat);
-        m_histogram->setValues(m_figures.Values);
+        m_histogram->setValues(m_figures.Values, m_figures.Folded);
         m_histogram->setEmptyText(translate(StatsCaptions::kNoValuesYet));
         // Bars beyond a specification limit red, beyond a warning limit yellow, so the
         // share out of specification is seen at once.
