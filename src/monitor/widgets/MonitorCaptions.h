@@ -13,6 +13,8 @@ inline constexpr QStringView kAlarms = u"Alarms";
 inline constexpr QStringView kRunTime = u"Run time";
 inline constexpr QStringView kWelds = u"Welds";
 inline constexpr QStringView kWeldsPerHour = u"Welds/hour";
+// Subgroups waiting in the outbox for the SPC database.
+inline constexpr QStringView kSpcBacklog = u"SPC backlog";
 inline constexpr QStringView kPart = u"&Part";
 inline constexpr QStringView kSelectPart = u"Choose the SPC part";
 inline constexpr QStringView kSummary = u"Summary";

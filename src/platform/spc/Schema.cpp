@@ -49,6 +49,15 @@ const char *const kVersion2[] = {
     "CREATE INDEX sample_values_by_item ON sample_values (test_item_id, sample_number)",
 };
 
+// Version 3: every subgroup carries the key it was given when its period closed. A
+// subgroup whose storing was retried (the acknowledgement of a commit was lost, or it
+// waited in the workstation's outbox) is found by its key and never stored twice.
+// Subgroups stored before have no key.
+const char *const kVersion3[] = {
+    "ALTER TABLE subgroups ADD COLUMN subgroup_key VARCHAR(64)",
+    "CREATE UNIQUE INDEX subgroups_by_key ON subgroups (subgroup_key)",
+};
+
 struct Step
 {
     const char *const *begin;
@@ -58,6 +67,7 @@ struct Step
 const Step kSteps[] = {
     {std::begin(kVersion1), std::end(kVersion1)},
     {std::begin(kVersion2), std::end(kVersion2)},
+    {std::begin(kVersion3), std::end(kVersion3)},
 };
 
 // Column types differ between the servers; dates are kept as ISO 8601 text in the

@@ -54,6 +54,7 @@ MainWindowServices DesktopServices::windowServices()
         .commands = m_commands,
         .help = m_help,
         .database = m_database,
+        .eventLog = &m_eventLog,
     };
 }
 
@@ -63,6 +64,10 @@ MonitorSlot DesktopServices::makeSlot(int slotIndex, const ShellFiles &files,
     Q_UNUSED(slotIndex)
     if (!m_partSelector)
         m_partSelector = std::make_unique<WidgetPartSelector>(language, m_samplingDialogs);
+    if (!m_outbox) {
+        m_outbox = std::make_unique<SubgroupOutbox>(
+            SubgroupOutbox::besideConfigurations(files.configurationsPath));
+    }
     const auto makeSampling = [this, dataFolder = files.dataFolder] {
         return std::make_unique<SamplingProperties>(SamplingServices{
             .errors = m_errors,
@@ -72,6 +77,8 @@ MonitorSlot DesktopServices::makeSlot(int slotIndex, const ShellFiles &files,
             .dataFolder = dataFolder,
             .makeDatabase = {},
             .partSelector = m_partSelector.get(),
+            .outbox = m_outbox.get(),
+            .eventLog = &m_eventLog,
         });
     };
     auto monitor = std::make_unique<EquipmentMonitor>(MonitorServices{
@@ -84,6 +91,7 @@ MonitorSlot DesktopServices::makeSlot(int slotIndex, const ShellFiles &files,
         .makeSerialPort = [] { return std::make_unique<QtSerialPort>(); },
         .randomSeed = std::nullopt,
         .makeSampling = makeSampling,
+        .messageBoxes = &m_messages,
     });
     auto *view = new CorvaneUsw(*monitor, m_errors);
     return {std::make_unique<WindowMonitorSlot>(std::move(monitor), view), view};

@@ -5,6 +5,7 @@
 #include "MainWindowServices.h"
 
 #include "dialogs/FileDialogChooser.h"
+#include "outbox/SubgroupOutbox.h"
 #include "platform/Clock.h"
 #include "platform/EventLog.h"
 #include "platform/LoggedErrorReport.h"
@@ -57,4 +58,6 @@ private:
     // Made with the window's language for the first monitor; the monitors' part buttons
     // share it.
     std::unique_ptr<WidgetPartSelector> m_partSelector;
+    // Made with the first monitor, beside the configurations file.
+    std::unique_ptr<SubgroupOutbox> m_outbox;
 };
