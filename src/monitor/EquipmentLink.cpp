@@ -108,6 +108,7 @@ void EquipmentLink::ReconnectComm(const qlxLanguage &language)
             // An unknown or busy port: no retry until the user starts again.
             m_host.StopDataCollection();
             m_host.showConnectionLabel(language.Translate(u"6056|Invalid Port Number"));
+            m_host.portRefused(refusal);
             return;
         }
         m_host.NotifyStarted();

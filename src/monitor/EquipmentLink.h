@@ -22,6 +22,8 @@ public:
 
     virtual void NotifyStarted() = 0;
     virtual void StopDataCollection() = 0;
+    // The serial port refused to open (an unknown or busy port, settings it cannot do).
+    virtual void portRefused(const QString &reason) = 0;
     virtual void showConnectionLabel(const QString &label) = 0;
     virtual void showConnectionProblem(bool problem) = 0;
 

@@ -7,6 +7,8 @@
 
 #include "platform/Clock.h"
 #include "platform/ErrorPassing.h"
+#include "platform/EventLog.h"
+#include "platform/MessageBoxes.h"
 
 #include <QUuid>
 
@@ -18,6 +20,12 @@ EquipmentMonitor::EquipmentMonitor(MonitorServices services, QObject *parent)
     m_sampling = m_services.makeSampling ? m_services.makeSampling() : nullptr;
     if (!m_sampling)
         m_sampling = std::make_unique<NullSampling>();
+    connect(m_sampling.get(), &SamplingSeam::backlogChanged, this,
+            &EquipmentMonitor::spcBacklogChanged);
+    // Queued: the database may answer in the middle of a save, while the datasets are
+    // being read.
+    connect(m_sampling.get(), &SamplingSeam::databaseReachable, this,
+            &EquipmentMonitor::reloadSpecificationLimits, Qt::QueuedConnection);
     m_link = std::make_unique<EquipmentLink>(m_services.clock, static_cast<LinkHost &>(*this),
                                              m_services.makeSocket, m_services.makeSerialPort);
     m_dataLog = std::make_unique<DataLog>(m_services.eventLog, m_services.errors);
@@ -57,6 +65,12 @@ void EquipmentMonitor::Initialize(const qlxLanguage &language, int slotIndex)
 void EquipmentMonitor::StartStop()
 {
     reportFailures(m_services.errors, "CorvaneUsw.bnStartStop_Click", [&] {
+        // A running collection stops whatever its port is doing: a socket that never left
+        // the closed state must not turn every Stop into another Start.
+        if (m_link->linkState() >= 2) {
+            stopCollection();
+            return;
+        }
         if (m_link->isSerial()) {
             if (m_link->serialPortOpen())
                 stopCollection();
@@ -90,6 +104,10 @@ void EquipmentMonitor::StopDataCollection()
 void EquipmentMonitor::startCollection()
 {
     passOn("CorvaneUsw.StartDataCollection", [&] {
+        if (const std::optional<QString> problem = LinkRules::addressProblem(address())) {
+            refuseAddress(*problem);
+            return;
+        }
         if (m_sampling->Enabled() && !m_sampling->StartCollection(*m_language))
             return;
         m_alarms.clear();
@@ -114,6 +132,40 @@ void EquipmentMonitor::stopCollection()
         NotifyStopped();
         m_sampling->StopCollection(*m_language, m_datasets);
         EnableDisplayItems(true);
+    });
+}
+
+void EquipmentMonitor::refuseAddress(const QString &reason)
+{
+    showConnectionLabel(translate(u"6056|Invalid Port Number"));
+    showConnectionProblem(true);
+    portRefused(reason);
+}
+
+void EquipmentMonitor::portRefused(const QString &reason)
+{
+    reportFailures(m_services.errors, "CorvaneUsw.StartDataCollection", [&] {
+        m_services.eventLog.WriteEventLog(
+            QStringLiteral("Main"), QStringLiteral("Invalid Port Number"),
+            ProgramError::kProgramErrorNumber, reason,
+            m_configuration.name + QStringLiteral(" (") + address() + u')');
+    });
+    if (m_services.messageBoxes) {
+        m_services.messageBoxes->critical(m_configuration.name,
+                                          translate(u"6056|Invalid Port Number") +
+                                              QStringLiteral("\r\n\r\n") + reason);
+    }
+}
+
+void EquipmentMonitor::reloadSpecificationLimits()
+{
+    // A collection that started while the SPC database was away runs without limits
+    // until it answers.
+    reportFailures(m_services.errors, "CorvaneUsw.InitializeSpecificationLimits", [&] {
+        if (m_link->linkState() < 2)
+            return;
+        m_sampling->InitializeSpecificationLimits(m_datasets);
+        RefreshDisplay();
     });
 }
 
@@ -173,6 +225,11 @@ bool EquipmentMonitor::ShutDown()
 int EquipmentMonitor::DriverState() const
 {
     return m_link->linkState();
+}
+
+int EquipmentMonitor::spcBacklog() const
+{
+    return m_sampling->backlog();
 }
 
 bool EquipmentMonitor::SPCSamplingEnabled() const

@@ -39,6 +39,7 @@ class EquipmentMonitor : public QObject, private LinkHost
     Q_PROPERTY(QString connectionLabel READ connectionLabel NOTIFY connectionLabelChanged)
     Q_PROPERTY(bool connectionProblem READ connectionProblem NOTIFY connectionProblemChanged)
     Q_PROPERTY(bool displayItemsEnabled READ displayItemsEnabled NOTIFY displayItemsEnabledChanged)
+    Q_PROPERTY(int spcBacklog READ spcBacklog NOTIFY spcBacklogChanged)
 
 public:
     static constexpr int kRowCount = MonitorConfiguration::kRowCount;
@@ -120,6 +121,8 @@ public:
     QString connectionLabel() const { return m_connectionLabel; }
     bool connectionProblem() const { return m_connectionProblem; }
     bool displayItemsEnabled() const { return m_displayItemsEnabled; }
+    // Subgroups of this welder that wait in the outbox for the SPC database.
+    int spcBacklog() const;
     const qlxLanguage &language() const { return *m_language; }
 
 signals:
@@ -128,6 +131,7 @@ signals:
     void connectionLabelChanged(const QString &label);
     void connectionProblemChanged(bool problem);
     void displayItemsEnabledChanged(bool enabled);
+    void spcBacklogChanged(int backlog);
     void alarmsChanged();
     void weldProcessed(const CorvaneFUN26 &record);
 
@@ -138,6 +142,11 @@ private:
     void showConnectionProblem(bool problem) override;
     void startCollection();
     void stopCollection();
+    void reloadSpecificationLimits();
+    // An address that cannot work: shown on the tab, and as a refused port.
+    void refuseAddress(const QString &reason);
+    // Written to the event log with the configuration's name and told to the engineer.
+    void portRefused(const QString &reason) override;
     void appendToDataLog(const CorvaneFUN26 &record);
     void setStartStopCaption(const QString &caption);
     QString translate(QStringView token) const;

@@ -10,6 +10,7 @@
 class Clock;
 class ErrorReport;
 class EventLog;
+class MessageBoxes;
 class SamplingSeam;
 class SerialPort;
 class SocketPort;
@@ -35,4 +36,6 @@ struct MonitorServices
     std::optional<std::uint32_t> randomSeed = std::nullopt;
     // Maker of the SPC sampling object; without one the monitor samples nothing.
     std::function<std::unique_ptr<SamplingSeam>()> makeSampling = {};
+    // Tells the engineer why Start was refused; without it the refusal is only logged.
+    MessageBoxes *messageBoxes = nullptr;
 };

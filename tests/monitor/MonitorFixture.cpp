@@ -27,6 +27,7 @@ MonitorFixture::MonitorFixture(bool debugMode, MeasurementSystem system,
             },
         .randomSeed = 7,
         .makeSampling = std::move(makeSampling),
+        .messageBoxes = &messages,
     };
     monitor = std::make_unique<EquipmentMonitor>(std::move(services));
 }

@@ -4,6 +4,7 @@
 
 #include "ManualClock.h"
 #include "RecordingErrorReport.h"
+#include "RecordingMessageBoxes.h"
 
 #include "monitor/EquipmentMonitor.h"
 #include "platform/EventLog.h"
@@ -35,6 +36,7 @@ struct MonitorFixture
     QTemporaryDir folder;
     ManualClock clock;
     RecordingErrorReport errors;
+    RecordingMessageBoxes messages;
     EventLog eventLog;
     qlxLanguage language;
     FakeSocketPort *socket = nullptr;
