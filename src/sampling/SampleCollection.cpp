@@ -289,8 +289,9 @@ void SamplingProperties::noteEvent(const QString &message, qint32 number,
     if (!m_services.eventLog)
         return;
     reportFailures(m_services.errors, "SamplingProperties.WriteEventLog", [&] {
-        m_services.eventLog->WriteEventLog(QStringLiteral("Main"), message, number, description,
-                                           DataSourceName());
+        // One line each: a server's reason may span several.
+        m_services.eventLog->WriteEventLog(QStringLiteral("Main"), message, number,
+                                           description.simplified(), DataSourceName());
     });
 }
 

@@ -1,9 +1,8 @@
 #include "MonitorFixture.h"
+#include "SmallDisk.h"
 
 #include "monitor/DataLog.h"
 
-#include <QDir>
-#include <QProcess>
 #include <QTest>
 
 // A monitor given settings that cannot work, and a data log on a disk that fills up.
@@ -61,10 +60,9 @@ private slots:
     {
         MonitorFixture fixture;
         const QString disk = fixture.folder.filePath(QStringLiteral("disk"));
-        QDir().mkpath(disk);
-        if (QProcess::execute("mount", {"-t", "tmpfs", "-o", "size=32k", "tmpfs", disk}) != 0)
+        if (!SmallDisk::mount(disk, "32k"))
             QSKIP("a small tmpfs cannot be mounted here (needs root)");
-        const auto unmount = qScopeGuard([&] { QProcess::execute("umount", {disk}); });
+        const auto unmount = qScopeGuard([&] { SmallDisk::unmount(disk); });
         QFile filler(disk + QStringLiteral("/filler"));
         QVERIFY(filler.open(QIODevice::WriteOnly));
         filler.write(QByteArray(12 * 1024, 'x'));

@@ -2,6 +2,7 @@
 #include "PostgresServer.h"
 #include "RecordingErrorReport.h"
 #include "RecordingMessageBoxes.h"
+#include "SmallDisk.h"
 
 #include "outbox/OutboxForwarder.h"
 #include "outbox/SubgroupOutbox.h"
@@ -14,8 +15,6 @@
 #include "sampling/SamplingProperties.h"
 #include "stats/DatasetCollection.h"
 
-#include <QDir>
-#include <QProcess>
 #include <QTest>
 
 #include <functional>
@@ -48,7 +47,6 @@ private slots:
         if (server) {
             if (!postgres.create())
                 QSKIP("no PostgreSQL server can be made here");
-            QVERIFY(postgres.start() && postgres.stop());
             dsn = postgres.dsn();
             up = [&] { return postgres.start(); };
             down = [&] { return postgres.stop(); };
@@ -57,25 +55,13 @@ private slots:
             // later one that is full.
             const QString filler = plant + QStringLiteral("/filler");
             up = [&, filler] {
-                if (mounted)
-                    return QFile::remove(filler);
-                mounted = QDir().mkpath(plant) &&
-                          QProcess::execute("mount",
-                                            {"-t", "tmpfs", "-o", "size=1m", "tmpfs", plant}) == 0;
-                return mounted;
+                return mounted ? QFile::remove(filler) : (mounted = SmallDisk::mount(plant, "1m"));
             };
-            down = [filler] {
-                QFile file(filler);
-                if (!file.open(QIODevice::WriteOnly))
-                    return false;
-                while (file.write(QByteArray(4096, 'x')) == 4096 && file.flush()) {
-                }
-                return true;
-            };
+            down = [filler] { return SmallDisk::fill(filler); };
         }
         const auto unmount = qScopeGuard([&] {
-            if (!server)
-                QProcess::execute("umount", {plant});
+            if (mounted)
+                SmallDisk::unmount(plant);
         });
 
         ManualClock clock(QDateTime(QDate(2026, 3, 2), QTime(6, 0)));
