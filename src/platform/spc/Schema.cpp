@@ -49,11 +49,27 @@ const char *const kVersion2[] = {
     "CREATE INDEX sample_values_by_item ON sample_values (test_item_id, sample_number)",
 };
 
-// Version 3: every subgroup carries the key it was given when its period closed. A
+// Version 3: control limits frozen per part, process and test, and the limits they
+// replaced. Kept by name, like the subgroups they are measured against.
+const char *const kVersion3[] = {
+    "CREATE TABLE control_limits (part VARCHAR(255) NOT NULL, process VARCHAR(255) NOT NULL,"
+    " test VARCHAR(255) NOT NULL, chart_type VARCHAR(16) NOT NULL,"
+    " centre_line {REAL} NOT NULL, sigma {REAL} NOT NULL,"
+    " baseline_from {TIME}, baseline_until {TIME}, baseline_subgroups INTEGER NOT NULL,"
+    " frozen_at {TIME} NOT NULL, PRIMARY KEY (part, process, test))",
+    "CREATE TABLE control_limits_history (id {ID}, part VARCHAR(255) NOT NULL,"
+    " process VARCHAR(255) NOT NULL, test VARCHAR(255) NOT NULL,"
+    " chart_type VARCHAR(16) NOT NULL, centre_line {REAL} NOT NULL, sigma {REAL} NOT NULL,"
+    " baseline_from {TIME}, baseline_until {TIME}, baseline_subgroups INTEGER NOT NULL,"
+    " frozen_at {TIME} NOT NULL, replaced_at {TIME} NOT NULL)",
+    "CREATE INDEX subgroups_by_identity ON subgroups (sample_time, part, process, source_tag)",
+};
+
+// Version 4: every subgroup carries the key it was given when its period closed. A
 // subgroup whose storing was retried (the acknowledgement of a commit was lost, or it
 // waited in the workstation's outbox) is found by its key and never stored twice.
 // Subgroups stored before have no key.
-const char *const kVersion3[] = {
+const char *const kVersion4[] = {
     "ALTER TABLE subgroups ADD COLUMN subgroup_key VARCHAR(64)",
     "CREATE UNIQUE INDEX subgroups_by_key ON subgroups (subgroup_key)",
 };
@@ -68,6 +84,7 @@ const Step kSteps[] = {
     {std::begin(kVersion1), std::end(kVersion1)},
     {std::begin(kVersion2), std::end(kVersion2)},
     {std::begin(kVersion3), std::end(kVersion3)},
+    {std::begin(kVersion4), std::end(kVersion4)},
 };
 
 // Column types differ between the servers; dates are kept as ISO 8601 text in the
