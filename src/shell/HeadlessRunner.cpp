@@ -1,5 +1,6 @@
 #include "HeadlessRunner.h"
 
+#include "BrokerPublishing.h"
 #include "ConfigurationSet.h"
 #include "DroppedContent.h"
 #include "EquipmentMonitorSlot.h"
@@ -67,6 +68,7 @@ bool HeadlessRunner::start()
     m_eventLog = std::make_unique<EventLog>(programFiles.eventLogPath(), m_clock);
     m_databaseSupport = std::make_unique<DatabaseSupport>(*m_errors, programFiles);
     m_messageBoxes = std::make_unique<HeadlessMessageBoxes>(*m_errors);
+    startBrokerPublishing();
     m_outbox = std::make_unique<SubgroupOutbox>(
         SubgroupOutbox::besideConfigurations(m_files.configurationsPath));
 
@@ -92,11 +94,14 @@ bool HeadlessRunner::start()
             .debugMode = m_options.debugMode,
             .makeSocket = [] { return std::make_unique<TcpSocketPort>(); },
             .makeSerialPort = [] { return std::make_unique<QtSerialPort>(); },
-            .randomSeed = std::nullopt,
+            .simulator = &m_simulator,
+            .valueBound = m_options.valuesKept,
             .makeSampling = makeSampling,
             .messageBoxes = m_messageBoxes.get(),
         };
         auto monitor = std::make_unique<EquipmentMonitor>(std::move(services));
+        if (m_broker)
+            m_broker->watch(*monitor);
         if (m_options.verbose) {
             EquipmentMonitor *source = monitor.get();
             connect(source, &EquipmentMonitor::weldProcessed, this,
@@ -160,6 +165,8 @@ bool HeadlessRunner::stop()
                            [&] { monitor.StopDataCollection(); });
         }
     }
+    if (m_broker)
+        m_broker->finish();
     bool saved = true;
     if (m_loaded) {
         saved = reportFailures(*m_errors, "dlgMain.Form_QueryUnload", [&] {
@@ -171,6 +178,25 @@ bool HeadlessRunner::stop()
             m_configurations->monitor(i).ShutDown();
     });
     return saved;
+}
+
+void HeadlessRunner::startBrokerPublishing()
+{
+    QString notice;
+    const MqttSettings settings =
+        BrokerPublishing::settingsFor(m_files.preferencesPath, m_options.mqttUrl, &notice);
+    m_broker =
+        BrokerPublishing::start(settings, *m_eventLog, m_files.measurementSystem, m_clock, &notice);
+    if (!notice.isEmpty())
+        std::fprintf(stderr, "corvane-monitor: %s\n", qPrintable(notice));
+    if (m_broker && m_options.verbose) {
+        // On standard error: standard output carries one line per weld and nothing else.
+        const auto show = [](const QString &text) {
+            std::fprintf(stderr, "%s\n", qPrintable(text));
+        };
+        connect(m_broker.get(), &BrokerPublishing::stateTextChanged, this, show);
+        show(m_broker->stateText());
+    }
 }
 
 void HeadlessRunner::printWeld(const QString &configurationName, const CorvaneFUN26 &record)

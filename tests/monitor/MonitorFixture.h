@@ -7,6 +7,7 @@
 #include "RecordingMessageBoxes.h"
 
 #include "monitor/EquipmentMonitor.h"
+#include "monitor/WeldSimulator.h"
 #include "platform/EventLog.h"
 
 #include <QFile>
@@ -21,7 +22,9 @@ struct MonitorFixture
 {
     explicit MonitorFixture(bool debugMode = false,
                             MeasurementSystem system = MeasurementSystem::Metric,
-                            std::function<std::unique_ptr<SamplingSeam>()> makeSampling = {});
+                            std::function<std::unique_ptr<SamplingSeam>()> makeSampling = {},
+                            qint64 valueBound = Dataset::kDefaultValueBound,
+                            WeldSimulator *shared = nullptr);
 
     // A monitor with the given address, initialized and loaded.
     void configure(const QString &address = QStringLiteral("IP:127.0.0.1:1000"),
@@ -38,6 +41,8 @@ struct MonitorFixture
     RecordingErrorReport errors;
     RecordingMessageBoxes messages;
     EventLog eventLog;
+    // The simulated values of this monitor unless another fixture's generator is shared.
+    WeldSimulator simulator{7};
     qlxLanguage language;
     FakeSocketPort *socket = nullptr;
     FakeSerialPort *serial = nullptr;

@@ -9,6 +9,8 @@
 #include "platform/QtSerialPort.h"
 #include "platform/TcpSocketPort.h"
 #include "sampling/SamplingProperties.h"
+#include "shell/BrokerPublishing.h"
+#include "shell/ShellFiles.h"
 #include "shell/ShellSettings.h"
 
 DesktopServices::DesktopServices(const StartupOptions &options, const QString &applicationTitle,
@@ -18,14 +20,15 @@ DesktopServices::DesktopServices(const StartupOptions &options, const QString &a
           InstalledFiles::languageTable(InstalledFiles::chosenLanguage(options.language),
                                         InstalledFiles::folders(executableFolder)))
     , m_debugMode(options.program.debugMode)
+    , m_valuesKept(options.program.valuesKept)
     , m_settings(ShellSettings::openSettingsStore())
     , m_programFiles(ProgramFiles::resolveDataFolder(options.program.dataFolder))
     , m_log(m_programFiles.errorReportLogPath(), QLatin1String(ProgramFiles::kProgramBaseName),
             m_clock, false)
-    , m_errors(m_log, applicationTitle)
+    , m_errors(m_log, applicationTitle, m_errorWindowLanguage)
     , m_eventLog(m_programFiles.eventLogPath(), m_clock)
     , m_database(m_errors, m_programFiles)
-    , m_fileChooser(m_messages)
+    , m_fileChooser(m_messages, m_programFiles.dataFolder())
     , m_help(InstalledFiles::find(HelpModule::mapFileName(),
                                   InstalledFiles::folders(executableFolder)))
     , m_commands({.errors = m_errors,
@@ -34,7 +37,16 @@ DesktopServices::DesktopServices(const StartupOptions &options, const QString &a
                   .fileChooser = m_fileChooser,
                   .clock = m_clock})
     , m_samplingDialogs{.errors = m_errors, .messages = m_messages}
-{}
+{
+    // A table that cannot be read is reported by the main window, which reads it too.
+    if (!m_languageTable.isEmpty())
+        m_errorWindowLanguage.loadTable(m_languageTable);
+    const ShellFiles files = ShellFiles::resolve(m_programFiles, *m_settings);
+    const MqttSettings broker = BrokerPublishing::settingsFor(
+        files.preferencesPath, options.program.mqttUrl, &m_brokerNotice);
+    m_broker = BrokerPublishing::start(broker, m_eventLog, files.measurementSystem, m_clock,
+                                       &m_brokerNotice);
+}
 
 DesktopServices::~DesktopServices() = default;
 
@@ -54,6 +66,7 @@ MainWindowServices DesktopServices::windowServices()
         .commands = m_commands,
         .help = m_help,
         .database = m_database,
+        .messages = m_messages,
         .eventLog = &m_eventLog,
     };
 }
@@ -89,10 +102,13 @@ MonitorSlot DesktopServices::makeSlot(int slotIndex, const ShellFiles &files,
         .debugMode = m_debugMode,
         .makeSocket = [] { return std::make_unique<TcpSocketPort>(); },
         .makeSerialPort = [] { return std::make_unique<QtSerialPort>(); },
-        .randomSeed = std::nullopt,
+        .simulator = &m_simulator,
+        .valueBound = m_valuesKept,
         .makeSampling = makeSampling,
         .messageBoxes = &m_messages,
     });
+    if (m_broker)
+        m_broker->watch(*monitor);
     auto *view = new CorvaneUsw(*monitor, m_errors);
     return {std::make_unique<WindowMonitorSlot>(std::move(monitor), view), view};
 }

@@ -16,6 +16,7 @@ class DatabaseSupport;
 class ErrorReport;
 class EventLog;
 class HelpModule;
+class MessageBoxes;
 class QWidget;
 class SettingsStore;
 class qlxLanguage;
@@ -54,6 +55,8 @@ struct MainWindowServices
     HelpModule &help;
     // View Log of the tray menu.
     DatabaseSupport &database;
+    // What the user is told when help or the event log cannot be shown.
+    MessageBoxes &messages;
     // The unit system of the user's region: the default when the preferences file has none.
     MeasurementSystem regionalUnits = regionalMeasurementSystem();
     // Where a save that kept an unread original says so.
