@@ -1,6 +1,8 @@
 #include "HeadlessRunner.h"
 
+#include "BrokerPublishing.h"
 #include "ConfigurationSet.h"
+#include "DroppedContent.h"
 #include "EquipmentMonitorSlot.h"
 #include "ShellSettings.h"
 #include "TerminationSignals.h"
@@ -8,6 +10,7 @@
 #include "XmlText.h"
 
 #include "monitor/EquipmentMonitor.h"
+#include "outbox/SubgroupOutbox.h"
 #include "platform/ErrorPassing.h"
 #include "platform/EventLog.h"
 #include "platform/HeadlessMessageBoxes.h"
@@ -34,7 +37,7 @@ int HeadlessRunner::exec()
     // socket pair until the event loop runs.
     TerminationSignals termination;
     if (!termination.isActive()) {
-        std::fprintf(stderr, "corvane-monitor: cannot catch SIGINT and SIGTERM\n");
+        std::fprintf(stderr, "corvane-monitor: cannot catch SIGINT, SIGTERM and SIGHUP\n");
         return 1;
     }
     if (!start())
@@ -42,8 +45,9 @@ int HeadlessRunner::exec()
     QEventLoop loop;
     connect(&termination, &TerminationSignals::terminationRequested, &loop, &QEventLoop::quit);
     loop.exec();
-    stop();
-    return 0;
+    // A configurations file that could not be saved is a failure the service manager
+    // must see; the old file is still there.
+    return stop() ? 0 : 1;
 }
 
 bool HeadlessRunner::start()
@@ -64,6 +68,9 @@ bool HeadlessRunner::start()
     m_eventLog = std::make_unique<EventLog>(programFiles.eventLogPath(), m_clock);
     m_databaseSupport = std::make_unique<DatabaseSupport>(*m_errors, programFiles);
     m_messageBoxes = std::make_unique<HeadlessMessageBoxes>(*m_errors);
+    startBrokerPublishing();
+    m_outbox = std::make_unique<SubgroupOutbox>(
+        SubgroupOutbox::besideConfigurations(m_files.configurationsPath));
 
     const auto makeSampling = [this, dataFolder = programFiles.dataFolder()] {
         return std::make_unique<SamplingProperties>(SamplingServices{
@@ -74,6 +81,8 @@ bool HeadlessRunner::start()
             .dataFolder = dataFolder,
             .makeDatabase = {},
             .partSelector = nullptr,
+            .outbox = m_outbox.get(),
+            .eventLog = m_eventLog.get(),
         });
     };
     const auto makeMonitor = [this, makeSampling](int) -> std::unique_ptr<ConfigurationMonitor> {
@@ -88,13 +97,22 @@ bool HeadlessRunner::start()
             .simulator = &m_simulator,
             .valueBound = m_options.valuesKept,
             .makeSampling = makeSampling,
+            .messageBoxes = m_messageBoxes.get(),
         };
         auto monitor = std::make_unique<EquipmentMonitor>(std::move(services));
+        if (m_broker)
+            m_broker->watch(*monitor);
         if (m_options.verbose) {
             EquipmentMonitor *source = monitor.get();
             connect(source, &EquipmentMonitor::weldProcessed, this,
                     [this, source](const CorvaneFUN26 &record) {
                         printWeld(source->configurationName(), record);
+                    });
+            connect(source, &EquipmentMonitor::spcBacklogChanged, this,
+                    [this, source](int backlog) {
+                        std::fprintf(m_output, "%s: SPC backlog %d subgroup(s)\n",
+                                     qPrintable(source->configurationName()), backlog);
+                        std::fflush(m_output);
                     });
         }
         return std::make_unique<EquipmentMonitorSlot>(std::move(monitor));
@@ -102,8 +120,24 @@ bool HeadlessRunner::start()
     m_configurations = std::make_unique<ConfigurationSet>(m_files.configurationsPath, m_clock,
                                                           m_language, makeMonitor);
 
-    m_loaded = reportFailures(*m_errors, "dlgMain.Form_Load",
-                              [&] { m_configurations->LoadConfigurationFile(); });
+    connect(m_configurations.get(), &ConfigurationSet::unreadContentKept, this,
+            [this](const QString &copyPath, const QStringList &dropped) {
+                std::fprintf(stderr, "corvane-monitor: kept the original configurations as %s\n",
+                             qPrintable(copyPath));
+                reportFailures(*m_errors, "dlgMain.Form_QueryUnload",
+                               [&] { logUnreadKept(*m_eventLog, copyPath, dropped); });
+            });
+    // A service manager must see a file that cannot be read: the run ends at once, and
+    // the file is left for the engineer to mend.
+    try {
+        m_configurations->LoadConfigurationFile();
+    } catch (const ProgramError &error) {
+        std::fprintf(stderr, "corvane-monitor: %s cannot be read: %s\n",
+                     qPrintable(m_files.configurationsPath),
+                     qPrintable(error.description().simplified()));
+        return false;
+    }
+    m_loaded = true;
     for (int i = 0; i < m_configurations->slotCount(); ++i) {
         ConfigurationMonitor &monitor = m_configurations->monitor(i);
         if (monitor.DriverState() != 0) {
@@ -111,17 +145,18 @@ bool HeadlessRunner::start()
                            [&] { monitor.StartDataCollection(); });
         }
     }
-    std::fprintf(stderr, "%s: watching %d configuration(s) of %s; SIGINT or SIGTERM ends.\n",
+    std::fprintf(stderr,
+                 "%s: watching %d configuration(s) of %s; SIGINT, SIGTERM or SIGHUP ends.\n",
                  qPrintable(m_title), m_configurations->ConfigurationCount(),
                  qPrintable(m_files.configurationsPath));
     m_started = true;
     return true;
 }
 
-void HeadlessRunner::stop()
+bool HeadlessRunner::stop()
 {
     if (!m_started)
-        return;
+        return true;
     m_started = false;
     for (int i = 0; i < m_configurations->slotCount(); ++i) {
         ConfigurationMonitor &monitor = m_configurations->monitor(i);
@@ -130,18 +165,38 @@ void HeadlessRunner::stop()
                            [&] { monitor.StopDataCollection(); });
         }
     }
+    if (m_broker)
+        m_broker->finish();
+    bool saved = true;
     if (m_loaded) {
-        reportFailures(*m_errors, "dlgMain.Form_QueryUnload", [&] {
+        saved = reportFailures(*m_errors, "dlgMain.Form_QueryUnload", [&] {
             m_configurations->WriteConfigurationFile(xmlText(m_configurations->GetXMLNode()));
         });
-    } else {
-        std::fprintf(stderr, "corvane-monitor: %s was not loaded and is left as it is.\n",
-                     qPrintable(m_files.configurationsPath));
     }
     reportFailures(*m_errors, "dlgMain.Form_QueryUnload", [&] {
         for (int i = 0; i < m_configurations->slotCount(); ++i)
             m_configurations->monitor(i).ShutDown();
     });
+    return saved;
+}
+
+void HeadlessRunner::startBrokerPublishing()
+{
+    QString notice;
+    const MqttSettings settings =
+        BrokerPublishing::settingsFor(m_files.preferencesPath, m_options.mqttUrl, &notice);
+    m_broker =
+        BrokerPublishing::start(settings, *m_eventLog, m_files.measurementSystem, m_clock, &notice);
+    if (!notice.isEmpty())
+        std::fprintf(stderr, "corvane-monitor: %s\n", qPrintable(notice));
+    if (m_broker && m_options.verbose) {
+        // On standard error: standard output carries one line per weld and nothing else.
+        const auto show = [](const QString &text) {
+            std::fprintf(stderr, "%s\n", qPrintable(text));
+        };
+        connect(m_broker.get(), &BrokerPublishing::stateTextChanged, this, show);
+        show(m_broker->stateText());
+    }
 }
 
 void HeadlessRunner::printWeld(const QString &configurationName, const CorvaneFUN26 &record)

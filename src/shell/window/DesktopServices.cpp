@@ -9,6 +9,8 @@
 #include "platform/QtSerialPort.h"
 #include "platform/TcpSocketPort.h"
 #include "sampling/SamplingProperties.h"
+#include "shell/BrokerPublishing.h"
+#include "shell/ShellFiles.h"
 #include "shell/ShellSettings.h"
 
 DesktopServices::DesktopServices(const StartupOptions &options, const QString &applicationTitle,
@@ -39,6 +41,11 @@ DesktopServices::DesktopServices(const StartupOptions &options, const QString &a
     // A table that cannot be read is reported by the main window, which reads it too.
     if (!m_languageTable.isEmpty())
         m_errorWindowLanguage.loadTable(m_languageTable);
+    const ShellFiles files = ShellFiles::resolve(m_programFiles, *m_settings);
+    const MqttSettings broker = BrokerPublishing::settingsFor(
+        files.preferencesPath, options.program.mqttUrl, &m_brokerNotice);
+    m_broker = BrokerPublishing::start(broker, m_eventLog, files.measurementSystem, m_clock,
+                                       &m_brokerNotice);
 }
 
 DesktopServices::~DesktopServices() = default;
@@ -60,6 +67,7 @@ MainWindowServices DesktopServices::windowServices()
         .help = m_help,
         .database = m_database,
         .messages = m_messages,
+        .eventLog = &m_eventLog,
     };
 }
 
@@ -69,6 +77,10 @@ MonitorSlot DesktopServices::makeSlot(int slotIndex, const ShellFiles &files,
     Q_UNUSED(slotIndex)
     if (!m_partSelector)
         m_partSelector = std::make_unique<WidgetPartSelector>(language, m_samplingDialogs);
+    if (!m_outbox) {
+        m_outbox = std::make_unique<SubgroupOutbox>(
+            SubgroupOutbox::besideConfigurations(files.configurationsPath));
+    }
     const auto makeSampling = [this, dataFolder = files.dataFolder] {
         return std::make_unique<SamplingProperties>(SamplingServices{
             .errors = m_errors,
@@ -78,6 +90,8 @@ MonitorSlot DesktopServices::makeSlot(int slotIndex, const ShellFiles &files,
             .dataFolder = dataFolder,
             .makeDatabase = {},
             .partSelector = m_partSelector.get(),
+            .outbox = m_outbox.get(),
+            .eventLog = &m_eventLog,
         });
     };
     auto monitor = std::make_unique<EquipmentMonitor>(MonitorServices{
@@ -91,7 +105,10 @@ MonitorSlot DesktopServices::makeSlot(int slotIndex, const ShellFiles &files,
         .simulator = &m_simulator,
         .valueBound = m_valuesKept,
         .makeSampling = makeSampling,
+        .messageBoxes = &m_messages,
     });
+    if (m_broker)
+        m_broker->watch(*monitor);
     auto *view = new CorvaneUsw(*monitor, m_errors);
     return {std::make_unique<WindowMonitorSlot>(std::move(monitor), view), view};
 }
