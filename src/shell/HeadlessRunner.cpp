@@ -17,6 +17,7 @@
 #include "platform/TcpSocketPort.h"
 #include "sampling/DatabaseSupport.h"
 #include "sampling/SamplingProperties.h"
+#include "service/ServiceManager.h"
 
 #include <QEventLoop>
 
@@ -39,9 +40,17 @@ int HeadlessRunner::exec()
     }
     if (!start())
         return 1;
+    // Run as a service, the manager learns that the welders are watched once the
+    // configurations are loaded, and the event log goes to the journal as well.
+    ServiceManager service;
+    if (service.isManaged())
+        m_eventLog->setMirror(&ServiceManager::writeJournal);
+    service.notifyReady(
+        QStringLiteral("Watching %1 welder(s)").arg(m_configurations->ConfigurationCount()));
     QEventLoop loop;
     connect(&termination, &TerminationSignals::terminationRequested, &loop, &QEventLoop::quit);
     loop.exec();
+    service.notifyStopping();
     stop();
     return 0;
 }
