@@ -30,6 +30,9 @@ work=${CORVANE_SCALE_DIR:-$(mktemp -d "${TMPDIR:-/tmp}/corvane-scale.XXXXXX")}
 mkdir -p "$work"
 work=$(cd "$work" && pwd)
 pids=()
+# A runtime folder of its own: the monitor's single-instance lock lives there.
+export XDG_RUNTIME_DIR=$work/runtime
+mkdir -p -m 700 "$XDG_RUNTIME_DIR"
 cleanup() {
   for pid in "${pids[@]}"; do kill "$pid" 2>/dev/null || true; done
   wait 2>/dev/null || true
@@ -101,7 +104,20 @@ start_ticks=$(cpu_ticks "$monitor_pid")
 start_ns=$(date +%s%N)
 
 status=0
-for pid in "${sims[@]}"; do wait "$pid" || status=1; done
+# The simulators end once every weld is sent; a monitor that ended early, or a hall that
+# takes far longer than planned, ends the run.
+deadline=$((SECONDS + 2 * seconds + 60))
+for pid in "${sims[@]}"; do
+  while kill -0 "$pid" 2>/dev/null; do
+    if ! kill -0 "$monitor_pid" 2>/dev/null || [ "$SECONDS" -gt "$deadline" ]; then
+      echo "scale: the monitor ended early or the welds took too long" >&2
+      cat "$work/monitor.err" >&2
+      exit 1
+    fi
+    sleep 0.5
+  done
+  wait "$pid" || status=1
+done
 sleep 2 # the last welds on their way through the monitor
 end_ticks=$(cpu_ticks "$monitor_pid")
 end_ns=$(date +%s%N)
@@ -125,8 +141,10 @@ subgroups=$("$spc" subgroups --csv --dsn "$dsn" | tail -n +2 | cut -d, -f1 | sor
 periods=$((welders * (seconds / period)))
 errors=$(cat "$work"/*.log 2>/dev/null | grep -c . || true)
 
+database=SQLite
+[ -z "${CORVANE_TEST_PG_DSN:-}" ] || database=PostgreSQL
 echo "scale: $welders welders x $rate welds/s for $seconds s, data logs and SPC sampling" \
-  "(${CORVANE_TEST_PG_DSN:+PostgreSQL}${CORVANE_TEST_PG_DSN:-SQLite}) on every welder"
+  "($database) on every welder"
 echo "welds sent:        $sent"
 echo "welds logged:      $logged ($short welders short)"
 echo "subgroups stored:  $subgroups (at least $periods periods of $period s ended)"

@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds, and runs every test: the Qt Test suites in an
-# optimised build, the same suites under AddressSanitizer and UndefinedBehaviorSanitizer,
-# the parser's fuzz target for a bounded time, and a short hall of 50 simulated welders. The suites of the plant-wide SPC
-# database run against a throwaway PostgreSQL server that this script starts and stops.
+# optimised build, a short hall of 50 simulated welders against the headless monitor,
+# the same suites under AddressSanitizer and UndefinedBehaviorSanitizer, and the parser's
+# fuzz target for a bounded time. The suites of the plant-wide SPC database and one hall
+# run against a throwaway PostgreSQL server that this script starts and stops.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
