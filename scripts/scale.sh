@@ -9,6 +9,9 @@
 # a subgroup is missing.
 #
 # Usage: scripts/scale.sh [WELDERS [SECONDS [RATE]]]      (default 500 60 2)
+# CORVANE_SCALE_WINDOW=1 runs the main window (on $DISPLAY, opening on the overview)
+# instead of the headless monitor; CORVANE_SCALE_SHOT=FILE.png takes a picture of the
+# screen two thirds into the run.
 # CORVANE_BIN_DIR names the build folder (build/release), CORVANE_SCALE_DIR the work folder
 # (a temporary one, removed afterwards, unless given).
 set -euo pipefail
@@ -70,9 +73,15 @@ spc_run() { "$spc" "$@" --dsn "$dsn" >/dev/null; }
 spc_run init
 spc_run add-part "Housing"
 spc_run add-process "Seal weld"
-for name in "Weld Time" "Energy" "Total Absolute" "Weld Collapse" "Total Collapse" \
-            "Velocity" "Peak Power" "Weld Force"; do
+# The simulators' means, with warning limits 1.5 and specification limits 2.5 of their
+# standard deviations (3 % of the mean) around them, so tiles and meters show colours.
+for entry in "Weld Time|0.25" "Energy|120" "Total Absolute|12" "Weld Collapse|0.40" \
+             "Total Collapse|0.432" "Velocity|50" "Peak Power|45" "Weld Force|800"; do
+  IFS='|' read -r name mean <<<"$entry"
+  read -r lwl uwl lsl usl < <(awk -v m="$mean" 'BEGIN {
+      s = 0.03 * m; printf "%g %g %g %g\n", m - 1.5 * s, m + 1.5 * s, m - 2.5 * s, m + 2.5 * s }')
   spc_run add-test "$name"
+  spc_run set-limits "Housing" "$name" --lsl "$lsl" --usl "$usl" --lwl "$lwl" --uwl "$uwl"
 done
 
 printf '[PREFERENCES]\r\nMEASUREMENT_SYSTEM=0\r\n' >"$work/corvane-monitor.ini"
@@ -96,13 +105,18 @@ printf '[PREFERENCES]\r\nMEASUREMENT_SYSTEM=0\r\n' >"$work/corvane-monitor.ini"
 cpu_ticks() { awk '{ print $14 + $15 }' "/proc/$1/stat"; }
 rss_mb() { awk '/^VmRSS/ { printf "%.1f", $2 / 1024 }' "/proc/$1/status"; }
 
+mode=(--headless)
+[ -z "${CORVANE_SCALE_WINDOW:-}" ] || mode=(--start -geometry 1920x1080+0+0)
 env -u CORVANE_DATA_DIR CORVANE_SETTINGS_FILE="$work/settings.ini" \
-  "$monitor" --headless --data-dir "$work" >"$work/monitor.out" 2>"$work/monitor.err" &
+  "$monitor" "${mode[@]}" --data-dir "$work" >"$work/monitor.out" 2>"$work/monitor.err" &
 monitor_pid=$!
 pids+=("$monitor_pid")
 start_ticks=$(cpu_ticks "$monitor_pid")
 start_ns=$(date +%s%N)
 
+if [ -n "${CORVANE_SCALE_SHOT:-}" ]; then
+  (sleep $((seconds * 2 / 3)) && import -window root "$CORVANE_SCALE_SHOT") &
+fi
 status=0
 # The simulators end once every weld is sent; a monitor that ended early, or a hall that
 # takes far longer than planned, ends the run.

@@ -30,8 +30,16 @@ qint64 WelderFigures::weldsInLastHour() const
 
 double WelderFigures::weldsPerMinute() const
 {
+    // Over the minutes of the last ten that had welds, from the first of them on, so a
+    // welder that started a minute ago shows its real pace.
     constexpr int kRateMinutes = 10;
-    return double(weldsSince(kRateMinutes)) / kRateMinutes;
+    const qint64 now = minuteNow();
+    qint64 first = now;
+    for (const Minute &minute : m_minutes) {
+        if (minute.index > now - kRateMinutes && minute.index <= now && minute.welds > 0)
+            first = qMin(first, minute.index);
+    }
+    return double(weldsSince(kRateMinutes)) / double(now - first + 1);
 }
 
 qint64 WelderFigures::minuteNow() const

@@ -38,7 +38,7 @@ public:
     EquipmentMonitor &monitor() const { return m_monitor; }
     LinkState linkState() const;
     qint64 weldsInLastHour() const;
-    // Welds per minute over the last ten minutes.
+    // Welds per minute over the last ten minutes, or since the first weld in them.
     double weldsPerMinute() const;
     QDateTime lastWeldTime() const;
     const std::vector<Characteristic> &characteristics() const { return m_characteristics; }

@@ -99,7 +99,11 @@ void OverviewPage::refreshAll()
 
 int OverviewPage::columnCount() const
 {
-    return qMax(1, viewport()->width() / (kTileWidth + m_grid->spacing()));
+    const int tileWidth =
+        m_entries.empty() ? kTileWidth : qMax(kTileWidth, m_entries.front().tile->sizeHint().width());
+    const QMargins margins = m_grid->contentsMargins();
+    const int room = viewport()->width() - margins.left() - margins.right() + m_grid->spacing();
+    return qMax(1, room / (tileWidth + m_grid->spacing()));
 }
 
 void OverviewPage::resizeEvent(QResizeEvent *event)

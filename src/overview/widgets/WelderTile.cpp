@@ -92,7 +92,8 @@ QLabel *WelderTile::addLabel(const QString &objectName, double fontScale, bool b
 
 QSize WelderTile::sizeHint() const
 {
-    return QSize(300, QFrame::sizeHint().height());
+    const QSize natural = QFrame::sizeHint();
+    return QSize(qMax(300, natural.width()), natural.height());
 }
 
 void WelderTile::refresh()
