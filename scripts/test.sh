@@ -3,7 +3,8 @@
 # optimised build, a short hall of 50 simulated welders against the headless monitor,
 # the same suites under AddressSanitizer and UndefinedBehaviorSanitizer, and the parser's
 # fuzz target for a bounded time. The suites of the plant-wide SPC database and one hall
-# run against a throwaway PostgreSQL server that this script starts and stops.
+# run against a throwaway PostgreSQL server, and those of MQTT publishing against a
+# throwaway mosquitto broker, that this script starts and stops.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -16,7 +17,7 @@ fuzz_seconds=${CORVANE_FUZZ_SECONDS:-60}
 echo "== Build and test (ci)"
 cmake --preset ci >/dev/null
 cmake --build --preset ci -j "$jobs"
-scripts/with-postgres.sh ctest --preset ci -j "$jobs"
+scripts/with-postgres.sh scripts/with-mosquitto.sh ctest --preset ci -j "$jobs"
 
 echo "== A hall in short: 50 simulated welders for 20 s, SQLite and PostgreSQL"
 CORVANE_BIN_DIR=build/ci scripts/scale.sh 50 20
@@ -26,7 +27,7 @@ echo "== Build and test under ASan + UBSan"
 cmake --preset asan-ubsan >/dev/null
 cmake --build --preset asan-ubsan -j "$jobs"
 ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
-    scripts/with-postgres.sh ctest --preset asan-ubsan -j "$jobs"
+    scripts/with-postgres.sh scripts/with-mosquitto.sh ctest --preset asan-ubsan -j "$jobs"
 
 echo "== Fuzz the frame parser for ${fuzz_seconds} s"
 fuzz/run.sh build/asan-ubsan "$fuzz_seconds"

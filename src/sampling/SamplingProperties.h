@@ -72,7 +72,7 @@ public:
     void setPart(const QString &part) { m_part = part; }
     bool AllowPartReselect() const { return m_allowPartReselect; }
     void setAllowPartReselect(bool allow) { m_allowPartReselect = allow; }
-    const QString &Process() const { return m_process; }
+    QString Process() const override { return m_process; }
     void setProcess(const QString &process) { m_process = process; }
     // Seconds.
     qint32 SamplingPeriod() const { return m_samplingPeriod; }
@@ -89,12 +89,16 @@ public:
     void setLogAlarms(qint32 groups) { m_logAlarms = groups; }
 
     // The database's data source name. Setting an empty one chooses the default.
-    QString DataSourceName() const;
+    QString DataSourceName() const override;
+    bool DataSourceConnected() const override;
     void setDataSourceName(const QString &dsn);
     // spc.db in the data folder.
     QString defaultDataSourceName() const;
 
     qlaDatabase6::Database &database() { return *m_database; }
+    // A connection of the same kind to another source (an empty name: the default), for
+    // looking at a source before it replaces this one.
+    std::unique_ptr<qlaDatabase6::Database> makeDatabase(const QString &dsn) const;
 
     // ---- Configuration ----
     QDomElement GetXMLNode(QDomDocument &document) override;

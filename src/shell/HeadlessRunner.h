@@ -3,16 +3,19 @@
 #include "HeadlessOptions.h"
 #include "ShellFiles.h"
 
+#include "monitor/WeldSimulator.h"
 #include "platform/Clock.h"
 #include "platform/RegionalFormat.h"
 #include "platform/qlxLanguage.h"
 
 #include <QObject>
+#include <QRandomGenerator>
 #include <QString>
 
 #include <cstdio>
 #include <memory>
 
+class BrokerPublishing;
 class ConfigurationSet;
 class DatabaseSupport;
 class EventLog;
@@ -55,9 +58,12 @@ public:
 
 private:
     void printWeld(const QString &configurationName, const CorvaneFUN26 &record);
+    void startBrokerPublishing();
 
     HeadlessOptions m_options;
     SystemClock m_clock;
+    // "/debug": one generator for every monitor, started afresh on each run.
+    WeldSimulator m_simulator{QRandomGenerator::system()->generate()};
     std::FILE *m_output;
     ShellFiles m_files;
     QString m_title;
@@ -68,6 +74,7 @@ private:
     std::unique_ptr<EventLog> m_eventLog;
     std::unique_ptr<DatabaseSupport> m_databaseSupport;
     std::unique_ptr<HeadlessMessageBoxes> m_messageBoxes;
+    std::unique_ptr<BrokerPublishing> m_broker;
     std::unique_ptr<ConfigurationSet> m_configurations;
     bool m_loaded = false;
     bool m_started = false;

@@ -9,6 +9,8 @@
 #include "platform/QtSerialPort.h"
 #include "platform/TcpSocketPort.h"
 #include "sampling/SamplingProperties.h"
+#include "shell/BrokerPublishing.h"
+#include "shell/ShellFiles.h"
 #include "shell/ShellSettings.h"
 
 DesktopServices::DesktopServices(const StartupOptions &options, const QString &applicationTitle,
@@ -23,10 +25,10 @@ DesktopServices::DesktopServices(const StartupOptions &options, const QString &a
     , m_programFiles(ProgramFiles::resolveDataFolder(options.program.dataFolder))
     , m_log(m_programFiles.errorReportLogPath(), QLatin1String(ProgramFiles::kProgramBaseName),
             m_clock, false)
-    , m_errors(m_log, applicationTitle)
+    , m_errors(m_log, applicationTitle, m_errorWindowLanguage)
     , m_eventLog(m_programFiles.eventLogPath(), m_clock)
     , m_database(m_errors, m_programFiles)
-    , m_fileChooser(m_messages)
+    , m_fileChooser(m_messages, m_programFiles.dataFolder())
     , m_help(InstalledFiles::find(HelpModule::mapFileName(),
                                   InstalledFiles::folders(executableFolder)))
     , m_commands({.errors = m_errors,
@@ -35,7 +37,16 @@ DesktopServices::DesktopServices(const StartupOptions &options, const QString &a
                   .fileChooser = m_fileChooser,
                   .clock = m_clock})
     , m_samplingDialogs{.errors = m_errors, .messages = m_messages}
-{}
+{
+    // A table that cannot be read is reported by the main window, which reads it too.
+    if (!m_languageTable.isEmpty())
+        m_errorWindowLanguage.loadTable(m_languageTable);
+    const ShellFiles files = ShellFiles::resolve(m_programFiles, *m_settings);
+    const MqttSettings broker = BrokerPublishing::settingsFor(
+        files.preferencesPath, options.program.mqttUrl, &m_brokerNotice);
+    m_broker = BrokerPublishing::start(broker, m_eventLog, files.measurementSystem, m_clock,
+                                       &m_brokerNotice);
+}
 
 DesktopServices::~DesktopServices() = default;
 
@@ -55,6 +66,7 @@ MainWindowServices DesktopServices::windowServices()
         .commands = m_commands,
         .help = m_help,
         .database = m_database,
+        .messages = m_messages,
     };
 }
 
@@ -83,10 +95,12 @@ MonitorSlot DesktopServices::makeSlot(int slotIndex, const ShellFiles &files,
         .debugMode = m_debugMode,
         .makeSocket = [] { return std::make_unique<TcpSocketPort>(); },
         .makeSerialPort = [] { return std::make_unique<QtSerialPort>(); },
-        .randomSeed = std::nullopt,
+        .simulator = &m_simulator,
         .valueBound = m_valuesKept,
         .makeSampling = makeSampling,
     });
+    if (m_broker)
+        m_broker->watch(*monitor);
     auto *view = new CorvaneUsw(*monitor, m_errors);
     return {std::make_unique<WindowMonitorSlot>(std::move(monitor), view), view};
 }

@@ -5,20 +5,24 @@
 #include "MainWindowServices.h"
 
 #include "dialogs/FileDialogChooser.h"
+#include "monitor/WeldSimulator.h"
 #include "platform/Clock.h"
 #include "platform/EventLog.h"
 #include "platform/LoggedErrorReport.h"
 #include "platform/ProgramFiles.h"
+#include "platform/qlxLanguage.h"
 #include "platform/widgets/ErrorWindowReport.h"
 #include "platform/widgets/WidgetMessageBoxes.h"
 #include "sampling/DatabaseSupport.h"
 #include "sampling/widgets/SamplingDialogServices.h"
 #include "sampling/widgets/WidgetPartSelector.h"
 
+#include <QRandomGenerator>
 #include <QString>
 
 #include <memory>
 
+class BrokerPublishing;
 class SettingsStore;
 struct StartupOptions;
 
@@ -35,15 +39,24 @@ public:
 
     MainWindowServices windowServices();
     ErrorReport &errors() { return m_errors; }
+    // Publishing to the MQTT broker of the preferences file or --mqtt; null without one.
+    BrokerPublishing *brokerPublishing() const { return m_broker.get(); }
+    // Why nothing is published although a broker is set (a refused password file, a
+    // build without MQTT); empty otherwise.
+    const QString &brokerNotice() const { return m_brokerNotice; }
 
 private:
     MonitorSlot makeSlot(int slotIndex, const ShellFiles &files, const qlxLanguage &language);
 
     QString m_applicationTitle;
     QString m_languageTable;
+    // The captions of the error window, which exists before the main window.
+    qlxLanguage m_errorWindowLanguage;
     bool m_debugMode;
     qint64 m_valuesKept;
     SystemClock m_clock;
+    // "/debug": one generator for every tab, started afresh on each run.
+    WeldSimulator m_simulator{QRandomGenerator::system()->generate()};
     std::unique_ptr<SettingsStore> m_settings;
     ProgramFiles m_programFiles;
     LoggedErrorReport m_log;
@@ -58,4 +71,6 @@ private:
     // Made with the window's language for the first monitor; the monitors' part buttons
     // share it.
     std::unique_ptr<WidgetPartSelector> m_partSelector;
+    QString m_brokerNotice;
+    std::unique_ptr<BrokerPublishing> m_broker;
 };
