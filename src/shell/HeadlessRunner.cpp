@@ -20,6 +20,7 @@
 #include "platform/TcpSocketPort.h"
 #include "sampling/DatabaseSupport.h"
 #include "sampling/SamplingProperties.h"
+#include "service/ServiceManager.h"
 
 #include <QEventLoop>
 
@@ -42,9 +43,17 @@ int HeadlessRunner::exec()
     }
     if (!start())
         return 1;
+    // Run as a service, the manager learns that the welders are watched once the
+    // configurations are loaded, and the event log goes to the journal as well.
+    ServiceManager service;
+    if (service.isManaged())
+        m_eventLog->setMirror(&ServiceManager::writeJournal);
+    service.notifyReady(
+        QStringLiteral("Watching %1 welder(s)").arg(m_configurations->ConfigurationCount()));
     QEventLoop loop;
     connect(&termination, &TerminationSignals::terminationRequested, &loop, &QEventLoop::quit);
     loop.exec();
+    service.notifyStopping();
     // A configurations file that could not be saved is a failure the service manager
     // must see; the old file is still there.
     return stop() ? 0 : 1;
