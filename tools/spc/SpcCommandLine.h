@@ -4,6 +4,9 @@
 #include <QString>
 #include <QStringList>
 
+#include "spc/ChartType.h"
+#include "spc/RuleSet.h"
+
 #include <optional>
 
 // One command of the SPC administration tool, as read from its command line.
@@ -18,6 +21,10 @@ struct SpcCommand
         SetLimits,
         List,
         Subgroups,
+        Chart,
+        Capability,
+        FreezeLimits,
+        Import,
         Help,
     };
 
@@ -26,7 +33,8 @@ struct SpcCommand
     // True when --dsn was not given and the default database in the data folder is
     // used.
     bool defaultDsn = true;
-    // add-*: the name; set-limits: the part and the test; list: what to list.
+    // add-*: the name; set-limits: the part and the test; list: what to list; import: the
+    // file ("-" for standard input).
     QStringList names;
     QString group;
     std::optional<double> upperSpecLimit;
@@ -36,8 +44,18 @@ struct SpcCommand
     bool clear = false;
     QString part;
     QString process;
+    QString test;
     QDateTime since;
+    QDateTime until;
     bool csv = false;
+    // chart and freeze-limits: the chart type when not the one the subgroups' size suits.
+    std::optional<spc::ChartType> chartType;
+    // The first this many subgroups of the window are the baseline.
+    std::optional<int> baseline;
+    bool frozen = false;
+    spc::RuleSet rules = spc::RuleSet::defaults();
+    QString png;
+    QString svg;
 };
 
 // Reads the tool's arguments (the program name first). On bad usage returns nothing

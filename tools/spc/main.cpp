@@ -3,6 +3,7 @@
 #include "SpcCommandLine.h"
 #include "SpcTool.h"
 
+#include "platform/Clock.h"
 #include "platform/ProgramError.h"
 #include "platform/ProgramFiles.h"
 #include "platform/spc/SqlDatabase.h"
@@ -54,7 +55,8 @@ int main(int argc, char *argv[])
         return failed(database.lastErrorText());
     QTextStream out(stdout);
     try {
-        SpcTool(database, out).run(*command);
+        const SystemClock clock;
+        SpcTool(database, out, clock).run(*command);
     } catch (const ProgramError &error) {
         out.flush();
         return failed(error.description());
