@@ -113,6 +113,7 @@ void EquipmentMonitor::stopCollection()
         m_link->close();
         NotifyStopped();
         m_sampling->StopCollection(*m_language, m_datasets);
+        ReportRuleViolations();
         EnableDisplayItems(true);
     });
 }

@@ -25,6 +25,7 @@
 
 class DataLog;
 class SamplingSeam;
+struct RuleViolation;
 class WeldSimulator;
 
 // The equipment monitor of one welder: it owns the link to the power supply, the
@@ -87,6 +88,9 @@ public:
     void ProcessDataStream();
     const CorvaneFUN26 &ResolveFunction26(const std::optional<CorvaneFUN26> &function);
     void AddAlarmItems(qint32 cycleCount, qint32 alarmBits, const AlarmTable &alarmTexts);
+    // Adds the control-chart rules that the subgroups completed since the last call
+    // broke to the alarms list and the event log.
+    void ReportRuleViolations();
     void InitializeDatasets();
     void AddDataset(qint32 number, const QString &name, const QString &unit);
     void RefreshDisplay();
@@ -130,6 +134,8 @@ signals:
     void displayItemsEnabledChanged(bool enabled);
     void alarmsChanged();
     void weldProcessed(const CorvaneFUN26 &record);
+    // A completed subgroup broke a control-chart rule; `text` is its alarms-list line.
+    void ruleViolated(const RuleViolation &violation, const QString &text);
 
 private:
     void ProcessRecord(CorvaneFUN26 &record);

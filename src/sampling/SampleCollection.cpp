@@ -63,6 +63,7 @@ bool SamplingProperties::StartCollection(const qlxLanguage &language)
         m_sourceTag = QLatin1String(kSourceTag);
 
         m_subgroupRecord.clear();
+        m_ruleCheck.reset();
         m_collecting = true;
         m_nextSampleTime = m_services.clock.now();
         SetNextSamplingPeriod();
@@ -142,6 +143,11 @@ void SamplingProperties::ProcessSamplePeriod(const qlxLanguage &language,
     });
 }
 
+QList<RuleViolation> SamplingProperties::takeRuleViolations()
+{
+    return std::exchange(m_ruleViolations, {});
+}
+
 // ---- Saving a period -----------------------------------------------------------------
 
 void SamplingProperties::SaveSubgroup(const qlxLanguage &language,
@@ -161,6 +167,10 @@ void SamplingProperties::SaveSubgroup(const qlxLanguage &language,
                        [&] { SaveDataRate(language); });
         reportFailures(m_services.errors, "SamplingProperties.SaveAlarmCodes",
                        [&] { SaveAlarmCodes(language); });
+        // The completed subgroup is checked before it is stored: a database that refuses
+        // it must not hide a process that went out of control.
+        reportFailures(m_services.errors, "SamplingProperties.CheckControlRules",
+                       [&] { m_ruleCheck.check(*m_subgroup, *m_database, m_ruleViolations); });
         reportFailures(m_services.errors, "SamplingProperties.SaveSubgroup",
                        [&] { m_subgroup->store(*m_database); });
     }

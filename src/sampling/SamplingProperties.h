@@ -1,5 +1,6 @@
 #pragma once
 
+#include "LiveRuleCheck.h"
 #include "SubgroupRecord.h"
 
 #include "monitor/SamplingSeam.h"
@@ -120,6 +121,8 @@ public:
     // when there is no dialog. True when the part changed.
     bool SelectPart(QObject *owner) override;
 
+    QList<RuleViolation> takeRuleViolations() override;
+
     // ---- Running state ----
     bool Collecting() const { return m_collecting; }
     const QDateTime &PeriodStart() const { return m_periodStart; }
@@ -181,4 +184,6 @@ private:
     bool m_collecting = false;
     // Made on the first save and reused for every period.
     std::optional<qlaDatabase6::Subgroup> m_subgroup;
+    LiveRuleCheck m_ruleCheck;
+    QList<RuleViolation> m_ruleViolations;
 };

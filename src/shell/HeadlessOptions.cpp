@@ -51,7 +51,8 @@ QString HeadlessOptions::usage()
         "                  configurations file and end.\n"
         "  --data-dir DIR  Data folder (overrides CORVANE_DATA_DIR).\n"
         "  --verbose       Print one line per weld: configuration, cycle, weld time,\n"
-        "                  energy, alarms.\n"
+        "                  energy, alarms; and one line per control-chart rule that a\n"
+        "                  sampled subgroup breaks against its frozen limits.\n"
         "  /debug          Replace received values by simulated ones.\n"
         "  -h, --help      Show this help.\n");
 }

@@ -95,6 +95,10 @@ bool HeadlessRunner::start()
                     [this, source](const CorvaneFUN26 &record) {
                         printWeld(source->configurationName(), record);
                     });
+            connect(source, &EquipmentMonitor::ruleViolated, this,
+                    [this, source](const RuleViolation &, const QString &text) {
+                        printLine(source->configurationName() + QStringLiteral(": ") + text);
+                    });
         }
         return std::make_unique<EquipmentMonitorSlot>(std::move(monitor));
     };
@@ -145,8 +149,11 @@ void HeadlessRunner::stop()
 
 void HeadlessRunner::printWeld(const QString &configurationName, const CorvaneFUN26 &record)
 {
-    const QByteArray line =
-        verboseWeldLine(configurationName, record, m_language, m_format).toUtf8();
-    std::fprintf(m_output, "%s\n", line.constData());
+    printLine(verboseWeldLine(configurationName, record, m_language, m_format));
+}
+
+void HeadlessRunner::printLine(const QString &line)
+{
+    std::fprintf(m_output, "%s\n", line.toUtf8().constData());
     std::fflush(m_output);
 }

@@ -55,6 +55,7 @@ public:
 
 private:
     void printWeld(const QString &configurationName, const CorvaneFUN26 &record);
+    void printLine(const QString &line);
 
     HeadlessOptions m_options;
     SystemClock m_clock;

@@ -15,7 +15,9 @@ public:
     // One field; returns false on a quote that is not closed or is followed by more text.
     bool field(QString &value)
     {
-        value.clear();
+        // An empty field is an empty text, not a missing one: the database keeps it as
+        // such.
+        value = QStringLiteral("");
         if (atEnd() || m_text[m_at] != u'"') {
             while (!atEnd() && m_text[m_at] != u',' && m_text[m_at] != u'\n' &&
                    m_text[m_at] != u'\r')
