@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/MeasurementSystem.h"
+#include "stats/Dataset.h"
 
 #include <cstdint>
 #include <functional>
@@ -33,6 +34,9 @@ struct MonitorServices
     // Start of the simulated-data random sequence; without one the generator's default
     // start is used, so the same sequence repeats from run to run.
     std::optional<std::uint32_t> randomSeed = std::nullopt;
+    // Values of each characteristic kept one by one before the oldest are folded into a
+    // tally (a month at one weld a second unless the plant says otherwise).
+    qint64 valueBound = Dataset::kDefaultValueBound;
     // Maker of the SPC sampling object; without one the monitor samples nothing.
     std::function<std::unique_ptr<SamplingSeam>()> makeSampling = {};
 };

@@ -86,6 +86,7 @@ bool HeadlessRunner::start()
             .makeSocket = [] { return std::make_unique<TcpSocketPort>(); },
             .makeSerialPort = [] { return std::make_unique<QtSerialPort>(); },
             .randomSeed = std::nullopt,
+            .valueBound = m_options.valuesKept,
             .makeSampling = makeSampling,
         };
         auto monitor = std::make_unique<EquipmentMonitor>(std::move(services));

@@ -13,7 +13,7 @@ constexpr int kInnerBins = kHistogramBinCount - 2;
 } // namespace
 
 std::vector<HistogramBin> LoadHistoBins(std::span<const double> values, double limitLower,
-                                        double limitUpper)
+                                        double limitUpper, std::span<const ValueCount> folded)
 {
     const double range = limitUpper - limitLower;
     if (!(range > 0) || !std::isfinite(range))
@@ -34,6 +34,11 @@ std::vector<HistogramBin> LoadHistoBins(std::span<const double> values, double l
         const int index = histogramBinIndex(bins, value);
         if (index >= 0)
             ++bins[index].count;
+    }
+    for (const ValueCount &entry : folded) {
+        const int index = histogramBinIndex(bins, entry.value);
+        if (index >= 0)
+            bins[index].count += entry.count;
     }
     return bins;
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ValueTally.h"
+
 #include <QtGlobal>
 
 #include <optional>
@@ -22,9 +24,9 @@ struct HistogramBin
 // edges is counted in the first or last bin; values outside the drawing range, and values
 // that are not numbers, are not counted. The limits themselves are exact bin edges (the
 // lower edge of bin 1 and the upper edge of bin 20), so no rounding error makes a bin
-// seem to straddle a limit.
+// seem to straddle a limit. Folded values of a long run count with their tally.
 std::vector<HistogramBin> LoadHistoBins(std::span<const double> values, double limitLower,
-                                        double limitUpper);
+                                        double limitUpper, std::span<const ValueCount> folded = {});
 
 // The index of the bin that counts value, or -1 when it lies outside the bins.
 int histogramBinIndex(const std::vector<HistogramBin> &bins, double value);

@@ -3,7 +3,8 @@
 #include <QTest>
 
 MonitorFixture::MonitorFixture(bool debugMode, MeasurementSystem system,
-                               std::function<std::unique_ptr<SamplingSeam>()> makeSampling)
+                               std::function<std::unique_ptr<SamplingSeam>()> makeSampling,
+                               qint64 valueBound)
     : eventLog(folder.filePath(QStringLiteral("events.log")), clock)
 {
     MonitorServices services{
@@ -26,6 +27,7 @@ MonitorFixture::MonitorFixture(bool debugMode, MeasurementSystem system,
                 return port;
             },
         .randomSeed = 7,
+        .valueBound = valueBound,
         .makeSampling = std::move(makeSampling),
     };
     monitor = std::make_unique<EquipmentMonitor>(std::move(services));

@@ -20,7 +20,8 @@ struct MonitorFixture
 {
     explicit MonitorFixture(bool debugMode = false,
                             MeasurementSystem system = MeasurementSystem::Metric,
-                            std::function<std::unique_ptr<SamplingSeam>()> makeSampling = {});
+                            std::function<std::unique_ptr<SamplingSeam>()> makeSampling = {},
+                            qint64 valueBound = Dataset::kDefaultValueBound);
 
     // A monitor with the given address, initialized and loaded.
     void configure(const QString &address = QStringLiteral("IP:127.0.0.1:1000"),

@@ -18,6 +18,7 @@ DesktopServices::DesktopServices(const StartupOptions &options, const QString &a
           InstalledFiles::languageTable(InstalledFiles::chosenLanguage(options.language),
                                         InstalledFiles::folders(executableFolder)))
     , m_debugMode(options.program.debugMode)
+    , m_valuesKept(options.program.valuesKept)
     , m_settings(ShellSettings::openSettingsStore())
     , m_programFiles(ProgramFiles::resolveDataFolder(options.program.dataFolder))
     , m_log(m_programFiles.errorReportLogPath(), QLatin1String(ProgramFiles::kProgramBaseName),
@@ -83,6 +84,7 @@ MonitorSlot DesktopServices::makeSlot(int slotIndex, const ShellFiles &files,
         .makeSocket = [] { return std::make_unique<TcpSocketPort>(); },
         .makeSerialPort = [] { return std::make_unique<QtSerialPort>(); },
         .randomSeed = std::nullopt,
+        .valueBound = m_valuesKept,
         .makeSampling = makeSampling,
     });
     auto *view = new CorvaneUsw(*monitor, m_errors);

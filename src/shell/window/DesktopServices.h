@@ -42,6 +42,7 @@ private:
     QString m_applicationTitle;
     QString m_languageTable;
     bool m_debugMode;
+    qint64 m_valuesKept;
     SystemClock m_clock;
     std::unique_ptr<SettingsStore> m_settings;
     ProgramFiles m_programFiles;

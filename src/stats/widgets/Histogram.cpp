@@ -130,9 +130,10 @@ void Histogram::setAutoRefresh(bool autoRefresh)
     m_autoRefresh = autoRefresh;
 }
 
-void Histogram::setValues(const QVector<double> &values)
+void Histogram::setValues(const QVector<double> &values, const QVector<ValueCount> &folded)
 {
     m_values = values;
+    m_folded = folded;
     propertyChanged(Change::Recount);
 }
 
@@ -162,7 +163,7 @@ void Histogram::LoadHistoBins()
 {
     passOn("Histogram.LoadHistoBins", [this] {
         m_bins = ::LoadHistoBins(std::span<const double>(m_values.constData(), m_values.size()),
-                                 m_limitLower, m_limitUpper);
+                                 m_limitLower, m_limitUpper, m_folded);
     });
 }
 

@@ -75,7 +75,8 @@ public:
     void setAutoRefresh(bool autoRefresh);
 
     const QVector<double> &values() const { return m_values; }
-    void setValues(const QVector<double> &values);
+    // The values one by one, and the tally of values folded in a long run.
+    void setValues(const QVector<double> &values, const QVector<ValueCount> &folded = {});
 
     // Counts the values into the bins, colours the bars and schedules a repaint.
     void Refresh();
@@ -120,6 +121,7 @@ private:
     NumberPicture m_picture{QStringLiteral("0.0")};
     bool m_autoRefresh = true;
     QVector<double> m_values;
+    QVector<ValueCount> m_folded;
 
     std::vector<HistogramBin> m_bins;
     std::vector<quint32> m_barColors;

@@ -16,5 +16,7 @@ inline constexpr QStringView kAverage = u"Average";
 inline constexpr QStringView kLastValue = u"Last value";
 inline constexpr QStringView kTotal = u"Total";
 inline constexpr QStringView kClose = u"&Close";
+inline constexpr QStringView kValues = u"Values";
+inline constexpr QStringView kFolded = u"oldest kept as a histogram only";
 
 } // namespace StatsCaptions

@@ -58,6 +58,10 @@ dlgSummary::dlgSummary(const qlxLanguage &language, ErrorReport &errors, QWidget
     grid->setColumnMinimumWidth(2, 24);
     grid->setColumnStretch(5, 1);
 
+    // How many values the figures cover; in a long run, how many of them only as a tally.
+    m_lblCoverage = new QLabel(this);
+    m_lblCoverage->setObjectName(QStringLiteral("lblCoverage"));
+
     m_histogram = new Histogram(this);
     m_histogram->setObjectName(QStringLiteral("ctlHistogram"));
     m_histogram->setErrorReport(&m_errors);
@@ -75,6 +79,7 @@ dlgSummary::dlgSummary(const qlxLanguage &language, ErrorReport &errors, QWidget
     auto *layout = new QVBoxLayout(this);
     layout->addWidget(m_lblTitle);
     layout->addLayout(grid);
+    layout->addWidget(m_lblCoverage);
     layout->addWidget(m_histogram, 1);
     layout->addLayout(buttons);
 }
@@ -118,7 +123,7 @@ qint32 dlgSummary::CountLSL() const
     return passOn("dlgSummary.CountLSL", [this] {
         return countBelow(
             std::span<const double>(m_figures.Values.constData(), m_figures.Values.size()),
-            m_figures.LSL);
+            m_figures.LSL, m_figures.Folded);
     });
 }
 
@@ -127,7 +132,7 @@ qint32 dlgSummary::CountUSL() const
     return passOn("dlgSummary.CountUSL", [this] {
         return countAbove(
             std::span<const double>(m_figures.Values.constData(), m_figures.Values.size()),
-            m_figures.USL);
+            m_figures.USL, m_figures.Folded);
     });
 }
 
@@ -168,12 +173,20 @@ void dlgSummary::Form_Load()
             throw ProgramError::overflow(QStringLiteral("dlgSummary.Form_Load"));
         m_lblTotal->setText(QString::number(below + above));
 
+        QString coverage =
+            translate(StatsCaptions::kValues) + QStringLiteral(": %1").arg(m_figures.valueCount());
+        if (m_figures.FoldedCount > 0)
+            coverage += QStringLiteral(" (%1: %2)")
+                            .arg(translate(StatsCaptions::kFolded))
+                            .arg(m_figures.FoldedCount);
+        m_lblCoverage->setText(coverage);
+
         m_histogram->setAutoRefresh(false);
         m_histogram->setLimits(m_figures.LSL, m_figures.USL);
         m_histogram->setWarningUpper(m_figures.WarningUpper);
         m_histogram->setWarningLower(m_figures.WarningLower);
         m_histogram->setNumberFormat(m_figures.NumberFormat);
-        m_histogram->setValues(m_figures.Values);
+        m_histogram->setValues(m_figures.Values, m_figures.Folded);
         m_histogram->Refresh();
     });
 }
