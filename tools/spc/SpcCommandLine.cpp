@@ -42,8 +42,7 @@ const std::array<ActionRule, 13> &actionRules()
          {QStringLiteral("part"), QStringLiteral("process"), QStringLiteral("since"),
           QStringLiteral("csv")}},
         {"chart", SpcCommand::Action::Chart, 0,
-         kCharacteristicOptions +
-             QStringList{"type", "baseline", "frozen", "rules", "csv", "png", "svg"}},
+         kCharacteristicOptions + QStringList{"type", "baseline", "frozen", "rules", "csv"}},
         {"capability", SpcCommand::Action::Capability, 0,
          kCharacteristicOptions + QStringList{"csv"}},
         {"freeze-limits", SpcCommand::Action::FreezeLimits, 0,
@@ -60,7 +59,7 @@ const QStringList kAllOptions = {
     QStringLiteral("part"),  QStringLiteral("process"),  QStringLiteral("since"),
     QStringLiteral("csv"),   QStringLiteral("test"),     QStringLiteral("until"),
     QStringLiteral("type"),  QStringLiteral("baseline"), QStringLiteral("frozen"),
-    QStringLiteral("rules"), QStringLiteral("png"),      QStringLiteral("svg")};
+    QStringLiteral("rules")};
 
 std::optional<double> limitValue(const QCommandLineParser &parser, const QString &name,
                                  QString &errorText)
@@ -148,12 +147,8 @@ bool readAnalysis(const QCommandLineParser &parser, SpcCommand &command, QString
         }
         command.rules = *rules;
     }
-    command.png = parser.value(QStringLiteral("png"));
-    command.svg = parser.value(QStringLiteral("svg"));
     if (command.frozen && (command.baseline || command.chartType))
         errorText = QStringLiteral("--frozen takes the chart type and limits that were frozen");
-    else if (!command.png.isEmpty() && !command.svg.isEmpty())
-        errorText = QStringLiteral("chart draws either --png or --svg");
     else if (command.action == SpcCommand::Action::FreezeLimits && !command.baseline &&
              !(command.since.isValid() && command.until.isValid()))
         errorText = QStringLiteral("freeze-limits needs --baseline K or --since and --until");
@@ -184,7 +179,7 @@ QString SpcCommandLine::usage()
         "  subgroups [--part P] [--process P] [--since ISO-DATE] [--csv]\n"
         "  chart --part P --process Q --test T [--since D] [--until D]\n"
         "        [--type xbar-r|xbar-s|i-mr] [--baseline K | --frozen] [--rules 1,2,3,5]\n"
-        "        [--csv] [--png FILE | --svg FILE]\n"
+        "        [--csv]\n"
         "  capability --part P --process Q --test T [--since D] [--until D] [--csv]\n"
         "  freeze-limits --part P --process Q --test T (--baseline K | --since D --until D)\n"
         "        [--type xbar-r|xbar-s|i-mr]\n"

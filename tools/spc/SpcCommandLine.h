@@ -54,8 +54,6 @@ struct SpcCommand
     std::optional<int> baseline;
     bool frozen = false;
     spc::RuleSet rules = spc::RuleSet::defaults();
-    QString png;
-    QString svg;
 };
 
 // Reads the tool's arguments (the program name first). On bad usage returns nothing
