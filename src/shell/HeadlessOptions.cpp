@@ -32,7 +32,7 @@ std::optional<HeadlessOptions> HeadlessOptions::parse(const QStringList &argumen
     options.headless = parser.isSet(kHeadless);
     options.dataFolder = parser.value(kDataDir);
     options.verbose = parser.isSet(kVerbose);
-    options.debugMode = debugSwitchPresent(arguments.mid(1));
+    options.debugMode = debugSwitchPresent(parser.positionalArguments());
     options.help = parser.isSet(kHelp);
     if (parser.isSet(kValuesKept)) {
         bool isNumber = false;

@@ -30,16 +30,19 @@ std::vector<HistogramBin> LoadHistoBins(std::span<const double> values, double l
         bins[i].lowerEdge = edge;
     }
 
-    for (const double value : values) {
-        const int index = histogramBinIndex(bins, value);
+    const auto add = [&bins](double value, qint64 count) {
+        int index = histogramBinIndex(bins, value);
+        if (index < 0 && !std::isnan(value)) {
+            index = value < bins.front().lowerEdge ? 0 : kHistogramBinCount - 1;
+            bins[size_t(index)].holdsFarValues = true;
+        }
         if (index >= 0)
-            ++bins[index].count;
-    }
-    for (const ValueCount &entry : folded) {
-        const int index = histogramBinIndex(bins, entry.value);
-        if (index >= 0)
-            bins[index].count += entry.count;
-    }
+            bins[size_t(index)].count += count;
+    };
+    for (const double value : values)
+        add(value, 1);
+    for (const ValueCount &entry : folded)
+        add(entry.value, entry.count);
     return bins;
 }
 

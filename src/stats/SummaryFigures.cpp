@@ -36,6 +36,7 @@ SummaryFigures SummaryFigures::fromDataset(const Dataset &dataset)
     figures.Maximum = dataset.Maximum();
     figures.Average = dataset.Average();
     figures.NumberFormat = dataset.NumberFormat();
+    figures.Unit = dataset.Unit;
     figures.Values = dataset.GetDataset();
     const std::span<const ValueCount> folded = dataset.folded().entries();
     figures.Folded = QVector<ValueCount>(folded.begin(), folded.end());

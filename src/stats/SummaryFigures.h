@@ -23,6 +23,8 @@ struct SummaryFigures
     double Maximum = 0;
     double Average = 0;
     QString NumberFormat;
+    // The characteristic's unit, shown beside minimum, average and maximum.
+    QString Unit;
     QVector<double> Values;
     QVector<ValueCount> Folded;
     qint64 FoldedCount = 0;

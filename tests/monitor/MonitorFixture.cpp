@@ -4,7 +4,7 @@
 
 MonitorFixture::MonitorFixture(bool debugMode, MeasurementSystem system,
                                std::function<std::unique_ptr<SamplingSeam>()> makeSampling,
-                               qint64 valueBound)
+                               qint64 valueBound, WeldSimulator *shared)
     : eventLog(folder.filePath(QStringLiteral("events.log")), clock)
 {
     MonitorServices services{
@@ -26,7 +26,7 @@ MonitorFixture::MonitorFixture(bool debugMode, MeasurementSystem system,
                 port->refuse = refuseSerialPort;
                 return port;
             },
-        .randomSeed = 7,
+        .simulator = shared ? shared : &simulator,
         .valueBound = valueBound,
         .makeSampling = std::move(makeSampling),
     };

@@ -1,5 +1,6 @@
 #include "dlgSummary.h"
 
+#include "BgrColor.h"
 #include "Histogram.h"
 #include "ScaledFont.h"
 #include "StatsCaptions.h"
@@ -160,10 +161,18 @@ void dlgSummary::Form_Load()
         m_lblCountUSLCaption->setText(translate(StatsCaptions::kCount) + QStringLiteral(" > ") +
                                       translate(StatsCaptions::kUSL));
 
+        // Before the first weld there are no figures, and a 0.0000 would read as a
+        // value: they stay empty and the plot says that no values came yet.
         const NumberPicture picture(m_figures.NumberFormat);
-        m_lblMinimum->setText(picture.format(m_figures.Minimum, locale()));
-        m_lblMaximum->setText(picture.format(m_figures.Maximum, locale()));
-        m_lblAverage->setText(picture.format(m_figures.Average, locale()));
+        const auto figure = [&](double value) {
+            if (m_figures.valueCount() == 0)
+                return QString();
+            const QString number = picture.format(value, locale());
+            return m_figures.Unit.isEmpty() ? number : number + u' ' + m_figures.Unit;
+        };
+        m_lblMinimum->setText(figure(m_figures.Minimum));
+        m_lblMaximum->setText(figure(m_figures.Maximum));
+        m_lblAverage->setText(figure(m_figures.Average));
 
         const qint32 below = CountLSL();
         m_lblCountLSL->setText(QString::number(below));
@@ -187,6 +196,13 @@ void dlgSummary::Form_Load()
         m_histogram->setWarningLower(m_figures.WarningLower);
         m_histogram->setNumberFormat(m_figures.NumberFormat);
         m_histogram->setValues(m_figures.Values, m_figures.Folded);
+        m_histogram->setEmptyText(translate(StatsCaptions::kNoValuesYet));
+        // Bars beyond a specification limit red, beyond a warning limit yellow, so the
+        // share out of specification is seen at once.
+        m_histogram->setLimitLowerColor(BgrColor::toColor(BgrColor::kRed));
+        m_histogram->setLimitUpperColor(BgrColor::toColor(BgrColor::kRed));
+        m_histogram->setWarningLowerColor(BgrColor::toColor(BgrColor::kYellow));
+        m_histogram->setWarningUpperColor(BgrColor::toColor(BgrColor::kYellow));
         m_histogram->Refresh();
     });
 }
