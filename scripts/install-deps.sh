@@ -10,6 +10,7 @@ packages=(
   clang libclang-rt-14-dev
   libbenchmark-dev
   postgresql sqlite3 socat xvfb xauth xdg-utils
+  libmosquitto-dev mosquitto mosquitto-clients openssl
 )
 
 missing=()
