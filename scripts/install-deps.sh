@@ -11,6 +11,7 @@ packages=(
   libbenchmark-dev
   postgresql sqlite3 socat xvfb xauth xdg-utils
   libmosquitto-dev mosquitto mosquitto-clients openssl
+  libsystemd-dev systemd
 )
 
 missing=()

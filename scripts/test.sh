@@ -1,9 +1,10 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds, and runs every test: the Qt Test suites in an
-# optimised build, the same suites under AddressSanitizer and UndefinedBehaviorSanitizer,
-# and the parser's fuzz target for a bounded time. The suites of the plant-wide SPC
-# database run against a throwaway PostgreSQL server, and those of MQTT publishing
-# against a throwaway mosquitto broker, that this script starts and stops.
+# optimised build, a short hall of 50 simulated welders against the headless monitor,
+# the same suites under AddressSanitizer and UndefinedBehaviorSanitizer, and the parser's
+# fuzz target for a bounded time. The suites of the plant-wide SPC database and one hall
+# run against a throwaway PostgreSQL server, and those of MQTT publishing against a
+# throwaway mosquitto broker, that this script starts and stops.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -17,6 +18,10 @@ echo "== Build and test (ci)"
 cmake --preset ci >/dev/null
 cmake --build --preset ci -j "$jobs"
 scripts/with-postgres.sh scripts/with-mosquitto.sh ctest --preset ci -j "$jobs"
+
+echo "== A hall in short: 50 simulated welders for 20 s, SQLite and PostgreSQL"
+CORVANE_BIN_DIR=build/ci scripts/scale.sh 50 20
+CORVANE_BIN_DIR=build/ci scripts/with-postgres.sh scripts/scale.sh 50 20
 
 echo "== Build and test under ASan + UBSan"
 cmake --preset asan-ubsan >/dev/null

@@ -276,8 +276,12 @@ void dlgIPSetup::bnClear_Click()
 
 void dlgIPSetup::bnErrorLog_Click()
 {
-    reportFailures(m_services.errors, "dlgIPSetup.bnErrorLog_Click",
-                   [this] { m_services.database.ViewErrorLog(); });
+    reportFailures(m_services.errors, "dlgIPSetup.bnErrorLog_Click", [this] {
+        const QString problem =
+            m_services.database.logViewProblem(m_services.database.ViewErrorLog(), m_language);
+        if (!problem.isEmpty())
+            m_services.messages.critical(windowTitle(), problem);
+    });
 }
 
 void dlgIPSetup::NotifyStarted()

@@ -18,6 +18,8 @@ void EventLog::WriteEventLog(const QString &area, const QString &message, qint32
     const QString line = RegionalFormat().dateTime(m_clock.now()) + u'\t' + area + u'\t'
         + message + u'\t' + QString::number(number) + u'\t' + description + u'\t' + detail
         + QStringLiteral("\r\n");
+    if (m_mirror)
+        m_mirror(line);
     QFile log(m_path);
     if (!log.open(QIODevice::Append))
         throw fileError(log, QStringLiteral("EventLog.WriteEventLog"));

@@ -2,6 +2,8 @@
 
 #include <QString>
 
+#include <functional>
+
 class Clock;
 
 // The program's event log: failures of background work that no user waits for (socket
@@ -19,7 +21,14 @@ public:
 
     const QString &path() const { return m_path; }
 
+    // Also hands every line to mirror (a service's journal), before it is written.
+    void setMirror(std::function<void(const QString &line)> mirror)
+    {
+        m_mirror = std::move(mirror);
+    }
+
 private:
     QString m_path;
+    std::function<void(const QString &line)> m_mirror;
     const Clock &m_clock;
 };

@@ -2,8 +2,10 @@
 
 #include "platform/ErrorPassing.h"
 #include "platform/ProgramFiles.h"
+#include "platform/qlxLanguage.h"
 #include "platform/spc/Database.h"
 
+#include <QDir>
 #include <QFileInfo>
 #include <QProcess>
 #include <QSqlDatabase>
@@ -141,6 +143,19 @@ QString DatabaseSupport::ResolveProcessGroup(Database &database, const QString &
 {
     Process process = ResolveProcessByName(database, processName);
     return resolveGroup("DatabaseSupport.ResolveProcessGroup", database, process);
+}
+
+QString DatabaseSupport::logViewProblem(LogView view, const qlxLanguage &language) const
+{
+    if (view == LogView::Shown)
+        return {};
+    const QStringView why =
+        view == LogView::Empty
+            ? u"7061|The event log %1 is still empty: nothing has gone wrong with a link or "
+              u"a file yet."
+            : u"7062|The event log %1 cannot be opened: this computer has no text viewer, "
+              u"or does not allow the program to start one.";
+    return language.Translate(why).arg(QDir::toNativeSeparators(m_eventLogPath));
 }
 
 DatabaseSupport::LogView DatabaseSupport::ViewErrorLog()

@@ -7,6 +7,8 @@
 
 #include <functional>
 
+class qlxLanguage;
+
 class ErrorReport;
 class ProgramFiles;
 
@@ -76,6 +78,9 @@ public:
     // yet, or no viewer that could be started.
     enum class LogView { Shown, Empty, NoViewer };
     LogView ViewErrorLog();
+    // What the user is told when View Log showed nothing: why, naming the file; empty
+    // when the log was shown.
+    QString logViewProblem(LogView view, const qlxLanguage &language) const;
 
     const QString &eventLogPath() const { return m_eventLogPath; }
 

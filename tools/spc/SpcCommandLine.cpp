@@ -4,6 +4,7 @@
 #include "platform/spc/DataSource.h"
 
 #include <QCommandLineParser>
+#include <QDir>
 #include <QLocale>
 
 #include <array>
@@ -26,9 +27,9 @@ const QStringList kCharacteristicOptions = {QStringLiteral("part"), QStringLiter
                                             QStringLiteral("test"), QStringLiteral("since"),
                                             QStringLiteral("until")};
 
-const std::array<ActionRule, 13> &actionRules()
+const std::array<ActionRule, 14> &actionRules()
 {
-    static const std::array<ActionRule, 13> rules = {{
+    static const std::array<ActionRule, 14> rules = {{
         {"init", SpcCommand::Action::Init, 0, {}},
         {"add-group", SpcCommand::Action::AddGroup, 1, {}},
         {"add-part", SpcCommand::Action::AddPart, 1, {QStringLiteral("group")}},
@@ -48,18 +49,31 @@ const std::array<ActionRule, 13> &actionRules()
         {"freeze-limits", SpcCommand::Action::FreezeLimits, 0,
          kCharacteristicOptions + QStringList{"type", "baseline"}},
         {"import", SpcCommand::Action::Import, 1, {}},
+        {"outbox",
+         SpcCommand::Action::Outbox,
+         0,
+         {QStringLiteral("outbox"), QStringLiteral("flush"), QStringLiteral("discard")}},
         {"help", SpcCommand::Action::Help, 0, {}},
     }};
     return rules;
 }
 
 const QStringList kAllOptions = {
-    QStringLiteral("group"), QStringLiteral("usl"),      QStringLiteral("lsl"),
-    QStringLiteral("uwl"),   QStringLiteral("lwl"),      QStringLiteral("clear"),
-    QStringLiteral("part"),  QStringLiteral("process"),  QStringLiteral("since"),
-    QStringLiteral("csv"),   QStringLiteral("test"),     QStringLiteral("until"),
-    QStringLiteral("type"),  QStringLiteral("baseline"), QStringLiteral("frozen"),
-    QStringLiteral("rules")};
+    QStringLiteral("group"),    QStringLiteral("usl"),     QStringLiteral("lsl"),
+    QStringLiteral("uwl"),      QStringLiteral("lwl"),     QStringLiteral("clear"),
+    QStringLiteral("part"),     QStringLiteral("process"), QStringLiteral("since"),
+    QStringLiteral("csv"),      QStringLiteral("test"),    QStringLiteral("until"),
+    QStringLiteral("type"),     QStringLiteral("baseline"), QStringLiteral("frozen"),
+    QStringLiteral("rules"),    QStringLiteral("outbox"),  QStringLiteral("flush"),
+    QStringLiteral("discard")};
+
+bool isFlag(const QString &name)
+{
+    static const QStringList kFlags = {QStringLiteral("clear"), QStringLiteral("csv"),
+                                       QStringLiteral("frozen"), QStringLiteral("flush"),
+                                       QStringLiteral("discard")};
+    return kFlags.contains(name);
+}
 
 std::optional<double> limitValue(const QCommandLineParser &parser, const QString &name,
                                  QString &errorText)
@@ -162,6 +176,12 @@ QString SpcCommandLine::defaultDataSource()
     return qlaDatabase6::DataSource::defaultName(ProgramFiles::resolveDataFolder());
 }
 
+QString SpcCommandLine::defaultOutbox()
+{
+    return QDir(ProgramFiles::resolveDataFolder())
+        .filePath(QStringLiteral("corvane-monitor.outbox"));
+}
+
 QString SpcCommandLine::usage()
 {
     return QStringLiteral(
@@ -184,6 +204,10 @@ QString SpcCommandLine::usage()
         "  freeze-limits --part P --process Q --test T (--baseline K | --since D --until D)\n"
         "        [--type xbar-r|xbar-s|i-mr]\n"
         "  import FILE|-                     store the subgroups of a subgroups --csv report\n"
+        "  outbox [--outbox FILE] [--flush | --discard]\n"
+        "                                    list the subgroups waiting for their database,\n"
+        "                                    forward them, or drop them (with --dsn: only\n"
+        "                                    those of that database)\n"
         "\n"
         "DSN is a SQLite file (PATH or sqlite:PATH) or postgresql://[user@]host[:port]/db;\n"
         "the server's password comes from PGPASSWORD or the password file. Without --dsn\n"
@@ -196,10 +220,9 @@ std::optional<SpcCommand> SpcCommandLine::parse(const QStringList &arguments, QS
     parser.addHelpOption();
     parser.addOption({QStringLiteral("dsn"), QString(), QStringLiteral("DSN")});
     for (const QString &name : kAllOptions) {
-        const bool flag = name == QLatin1String("clear") || name == QLatin1String("csv") ||
-                          name == QLatin1String("frozen");
-        parser.addOption(flag ? QCommandLineOption(name)
-                              : QCommandLineOption(name, QString(), QStringLiteral("VALUE")));
+        parser.addOption(isFlag(name)
+                             ? QCommandLineOption(name)
+                             : QCommandLineOption(name, QString(), QStringLiteral("VALUE")));
     }
     if (!parser.parse(arguments)) {
         errorText = parser.errorText();
@@ -241,6 +264,15 @@ std::optional<SpcCommand> SpcCommandLine::parse(const QStringList &arguments, QS
     command.part = parser.value(QStringLiteral("part"));
     command.process = parser.value(QStringLiteral("process"));
     command.csv = parser.isSet(QStringLiteral("csv"));
+    command.outboxPath = parser.isSet(QStringLiteral("outbox"))
+                             ? parser.value(QStringLiteral("outbox"))
+                             : defaultOutbox();
+    command.flush = parser.isSet(QStringLiteral("flush"));
+    command.discard = parser.isSet(QStringLiteral("discard"));
+    if (command.flush && command.discard) {
+        errorText = QStringLiteral("outbox takes either --flush or --discard");
+        return std::nullopt;
+    }
 
     if (command.action == SpcCommand::Action::SetLimits && !readLimits(parser, command, errorText))
         return std::nullopt;

@@ -25,6 +25,7 @@ struct SpcCommand
         Capability,
         FreezeLimits,
         Import,
+        Outbox,
         Help,
     };
 
@@ -54,6 +55,10 @@ struct SpcCommand
     std::optional<int> baseline;
     bool frozen = false;
     spc::RuleSet rules = spc::RuleSet::defaults();
+    // outbox: the outbox file, and what to do with its subgroups besides listing them.
+    QString outboxPath;
+    bool flush = false;
+    bool discard = false;
 };
 
 // Reads the tool's arguments (the program name first). On bad usage returns nothing
@@ -65,4 +70,6 @@ public:
     static QString usage();
     // The default data source: spc.db in the data folder (CORVANE_DATA_DIR honoured).
     static QString defaultDataSource();
+    // The monitor's outbox in the data folder.
+    static QString defaultOutbox();
 };

@@ -79,6 +79,7 @@ void SpcTool::run(const SpcCommand &command)
     case SpcCommand::Action::Import:
         import(command.names.constFirst());
         break;
+    case SpcCommand::Action::Outbox: // runs on the outbox file, not on a database
     case SpcCommand::Action::Help:
         break;
     }

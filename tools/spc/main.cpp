@@ -1,5 +1,6 @@
 // corvane-spc: looks after the SPC database into which the monitor samples subgroups.
 
+#include "OutboxCommand.h"
 #include "SpcCommandLine.h"
 #include "SpcTool.h"
 
@@ -46,6 +47,15 @@ int main(int argc, char *argv[])
         std::printf("%s", qPrintable(SpcCommandLine::usage()));
         return kDone;
     }
+    QTextStream out(stdout);
+    if (command->action == SpcCommand::Action::Outbox) {
+        try {
+            return runOutboxCommand(*command, out);
+        } catch (const ProgramError &error) {
+            out.flush();
+            return failed(error.description());
+        }
+    }
     if (command->defaultDsn)
         QDir().mkpath(ProgramFiles::resolveDataFolder());
 
@@ -53,7 +63,6 @@ int main(int argc, char *argv[])
     database.setDataSourceName(command->dsn);
     if (!database.openConnection())
         return failed(database.lastErrorText());
-    QTextStream out(stdout);
     try {
         const SystemClock clock;
         SpcTool(database, out, clock).run(*command);

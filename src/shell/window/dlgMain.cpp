@@ -1,12 +1,16 @@
 #include "dlgMain.h"
 
+#include "shell/DroppedContent.h"
+
 #include "ConfigurationCommands.h"
 #include "WelderStatus.h"
 
+#include "overview/widgets/OverviewPage.h"
 #include "platform/ErrorPassing.h"
 #include "platform/ErrorReport.h"
 #include "platform/ProgramError.h"
 #include "platform/ProgramFiles.h"
+#include "shell/EquipmentMonitorSlot.h"
 #include "shell/XmlText.h"
 
 #include <QCloseEvent>
@@ -17,6 +21,7 @@
 #include <QSystemTrayIcon>
 #include <QTabBar>
 #include <QTimer>
+#include <QToolButton>
 #include <QVBoxLayout>
 
 dlgMain::dlgMain(MainWindowServices services, QWidget *parent)
@@ -32,6 +37,7 @@ dlgMain::~dlgMain()
 {
     // The faces look at their monitors: they go before the configuration set that owns
     // the monitors.
+    delete m_overview;
     for (const QPointer<QWidget> &view : m_views)
         delete view.data();
     m_views.clear();
@@ -45,12 +51,20 @@ void dlgMain::buildControls()
     layout->setContentsMargins(6, 6, 6, 6);
     layout->setSpacing(0);
 
+    // The overview of the whole hall stands left of the welders' tabs.
+    auto *strip = new QHBoxLayout;
+    m_btnOverview = new QToolButton(central);
+    m_btnOverview->setObjectName(QStringLiteral("btnOverview"));
+    m_btnOverview->setCheckable(true);
+    m_btnOverview->setAutoRaise(true);
+    strip->addWidget(m_btnOverview);
     m_tabStrip = new QTabBar(central);
     m_tabStrip->setObjectName(QStringLiteral("TabStrip1"));
     m_tabStrip->setExpanding(false);
     m_tabStrip->setDocumentMode(true);
     m_tabStrip->setSelectionBehaviorOnRemove(QTabBar::SelectRightTab);
-    layout->addWidget(m_tabStrip);
+    strip->addWidget(m_tabStrip, 1);
+    layout->addLayout(strip);
 
     m_monitors = new QStackedWidget(central);
     m_monitors->setObjectName(QStringLiteral("CorvaneUsw1"));
@@ -59,6 +73,8 @@ void dlgMain::buildControls()
     static_cast<QLabel *>(m_emptyPage)->setAlignment(Qt::AlignCenter);
     m_emptyPage->setEnabled(false);
     m_monitors->addWidget(m_emptyPage);
+    m_overview = new OverviewPage(m_services.clock, m_language, central);
+    m_monitors->addWidget(m_overview);
     layout->addWidget(m_monitors, 1);
     setCentralWidget(central);
 
@@ -95,6 +111,13 @@ void dlgMain::connectCommands()
         reportFailures(m_services.errors, "dlgMain.TabStrip1_Click",
                        [&] { m_configurations->setCurrentTab(index); });
     });
+    // A click on the tab already selected brings its monitor back from the overview.
+    connect(m_tabStrip, &QTabBar::tabBarClicked, this, [this] { TabStrip1_Click(); });
+    connect(m_btnOverview, &QToolButton::clicked, this, &dlgMain::showOverview);
+    connect(m_overview, &OverviewPage::welderChosen, this, [this](const QString &key) {
+        ActivateConfiguration(key);
+        TabStrip1_Click();
+    });
     connect(m_tray, &QSystemTrayIcon::activated, this,
             [this](QSystemTrayIcon::ActivationReason reason) {
                 if (reason == QSystemTrayIcon::Trigger || reason == QSystemTrayIcon::DoubleClick)
@@ -123,6 +146,9 @@ void dlgMain::Form_Load()
     reportFailures(m_services.errors, "dlgMain.Form_Load", [&] {
         if (ConfigurationCount() > 0) {
             m_configurations->setCurrentTab(0);
+            // A hall whose tabs no longer fit opens on its overview.
+            if (ConfigurationCount() >= kOverviewFirstFrom)
+                showOverview();
         } else if (m_loadedCleanly) {
             // A first start: Equipment Settings of a new configuration a second after
             // the window appears. A file that could not be read is no first start.
@@ -153,6 +179,7 @@ void dlgMain::translateCaptions()
 {
     setWindowTitle(m_services.applicationTitle);
     m_menus.translateCaptions(m_language);
+    m_btnOverview->setText(m_language.Translate(u"Overview"));
     static_cast<QLabel *>(m_emptyPage)
         ->setText(m_language.Translate(u"7050|No welder is configured: add one with "
                                        u"Configuration, Add."));
@@ -168,6 +195,13 @@ void dlgMain::createConfigurations()
     connect(set, &ConfigurationSet::tabRemoved, this, &dlgMain::tabRemoved);
     connect(set, &ConfigurationSet::tabCaptionChanged, this, &dlgMain::tabCaptionChanged);
     connect(set, &ConfigurationSet::currentTabChanged, this, &dlgMain::currentTabChanged);
+    connect(set, &ConfigurationSet::unreadContentKept, this,
+            [this](const QString &copyPath, const QStringList &dropped) {
+                if (!m_services.eventLog)
+                    return;
+                reportFailures(m_services.errors, "dlgMain.Form_QueryUnload",
+                               [&] { logUnreadKept(*m_services.eventLog, copyPath, dropped); });
+            });
 }
 
 MonitorSlot dlgMain::makeSlot(int slotIndex)
@@ -179,6 +213,8 @@ MonitorSlot dlgMain::makeSlot(int slotIndex)
         m_monitors->addWidget(slot.view);
         m_views[size_t(slotIndex)] = slot.view;
     }
+    if (const auto *equipment = dynamic_cast<const EquipmentMonitorSlot *>(slot.monitor.get()))
+        m_overview->addWelder(equipment->monitor());
     return slot;
 }
 
@@ -262,6 +298,13 @@ void dlgMain::showMonitor(int slotIndex)
 {
     QWidget *view = monitorView(slotIndex);
     m_monitors->setCurrentWidget(view ? view : m_emptyPage);
+    m_btnOverview->setChecked(false);
+}
+
+void dlgMain::showOverview()
+{
+    m_monitors->setCurrentWidget(m_overview);
+    m_btnOverview->setChecked(true);
 }
 
 QWidget *dlgMain::monitorView(int slotIndex) const

@@ -14,7 +14,9 @@
 #include <memory>
 #include <vector>
 
+class OverviewPage;
 class QStackedWidget;
+class QToolButton;
 class QSystemTrayIcon;
 class QTabBar;
 class QTimer;
@@ -43,6 +45,8 @@ public:
     };
 
     static constexpr int kAutoAddDelayMs = 1000;
+    // From this many welders on, the window opens on the overview.
+    static constexpr int kOverviewFirstFrom = 8;
 
     explicit dlgMain(MainWindowServices services, QWidget *parent = nullptr);
     ~dlgMain() override;
@@ -130,6 +134,7 @@ private:
     void removeSelected();
     ConfigurationCommands::Context commandContext();
     void showMonitor(int slotIndex);
+    void showOverview();
 
     MainWindowServices m_services;
     qlxLanguage m_language;
@@ -139,6 +144,8 @@ private:
     QTabBar *m_tabStrip = nullptr;
     QStackedWidget *m_monitors = nullptr;
     QWidget *m_emptyPage = nullptr;
+    QToolButton *m_btnOverview = nullptr;
+    OverviewPage *m_overview = nullptr;
     std::vector<QPointer<QWidget>> m_views;
     QSystemTrayIcon *m_tray = nullptr;
     QTimer *m_autoAdd = nullptr;

@@ -209,17 +209,10 @@ void dlgMain::mnuOpenWindow_Click()
 void dlgMain::mnuViewErrorLog_Click()
 {
     reportFailures(m_services.errors, "dlgMain.mnuViewErrorLog_Click", [&] {
-        const DatabaseSupport::LogView view = m_services.database.ViewErrorLog();
-        if (view == DatabaseSupport::LogView::Shown)
-            return;
-        const QStringView why =
-            view == DatabaseSupport::LogView::Empty
-                ? u"7061|The event log %1 is still empty: nothing has gone wrong with a link or "
-                  u"a file yet."
-                : u"7062|The event log %1 cannot be opened: this computer has no text viewer, "
-                  u"or does not allow the program to start one.";
-        tell(m_language.Translate(why).arg(
-            QDir::toNativeSeparators(m_services.database.eventLogPath())));
+        const QString problem =
+            m_services.database.logViewProblem(m_services.database.ViewErrorLog(), m_language);
+        if (!problem.isEmpty())
+            tell(problem);
     });
 }
 

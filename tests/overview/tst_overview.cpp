@@ -1,0 +1,114 @@
+// The hall overview offscreen: a tile per welder in each state, its counts and colours
+// found by object name, one refresh per pass of the event loop, a click that asks for the
+// welder's tab.
+
+#include "MonitorFixture.h"
+#include "SampleWelds.h"
+
+#include "overview/widgets/OverviewPage.h"
+#include "overview/widgets/WelderTile.h"
+#include "stats/widgets/BgrColor.h"
+
+#include <QLabel>
+#include <QSignalSpy>
+#include <QTest>
+
+namespace {
+
+QLabel *label(WelderTile *tile, const char *name)
+{
+    return tile->findChild<QLabel *>(QLatin1String(name));
+}
+
+QColor background(QWidget *widget)
+{
+    return widget->palette().color(QPalette::Window);
+}
+
+} // namespace
+
+class TestOverview : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void tilesShowEachWelder()
+    {
+        MonitorFixture stopped, inside, breaking;
+        stopped.configure(QStringLiteral("IP:127.0.0.1:1001"));
+        for (MonitorFixture *f : {&inside, &breaking}) {
+            f->clock.set(QDateTime(QDate(2026, 3, 2), QTime(10, 0)));
+            f->configure();
+            f->monitor->StartStop();
+            f->socket->accept();
+        }
+        // Weld time always beyond its upper specification limit, energy always beyond its
+        // upper warning limit.
+        for (const auto &dataset : breaking.monitor->datasets()) {
+            if (dataset->ID == 1) {
+                dataset->LimitFlags = Dataset::kUpperSpecLimit;
+                dataset->UpperSpecLimit = -1;
+            } else if (dataset->ID == 2) {
+                dataset->LimitFlags = Dataset::kUpperWarningLimit | Dataset::kUpperSpecLimit;
+                dataset->UpperWarningLimit = -1;
+                dataset->UpperSpecLimit = 1e9;
+            }
+        }
+
+        ManualClock clock;
+        clock.set(QDateTime(QDate(2026, 3, 2), QTime(10, 0, 40)));
+        qlxLanguage language;
+        OverviewPage page(clock, language);
+        page.resize(1920, 1080);
+        page.addWelder(*stopped.monitor);
+        page.addWelder(*inside.monitor);
+        page.addWelder(*breaking.monitor);
+        page.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&page));
+
+        const qint64 refreshesBefore = page.refreshCount();
+        inside.socket->deliver(SampleWelds::stream(4));
+        breaking.socket->deliver(SampleWelds::stream(3));
+        QCoreApplication::processEvents();
+        // Seven welds of two welders in one pass: each tile is refreshed once.
+        QCOMPARE(page.refreshCount() - refreshesBefore, 2);
+
+        WelderTile *stoppedTile = page.tile(stopped.monitor->identifier());
+        WelderTile *insideTile = page.tile(inside.monitor->identifier());
+        WelderTile *breakingTile = page.tile(breaking.monitor->identifier());
+        QVERIFY(stoppedTile && insideTile && breakingTile);
+        QCOMPARE(stoppedTile->objectName(),
+                 QStringLiteral("tile:") + stopped.monitor->identifier());
+
+        QCOMPARE(label(stoppedTile, "lblLinkState")->text(), QStringLiteral("Stopped"));
+        QCOMPARE(label(insideTile, "lblLinkState")->text(), QStringLiteral("Connected"));
+        QVERIFY(background(stoppedTile) != background(insideTile));
+        QVERIFY(label(insideTile, "lblWelds")->text().startsWith(QStringLiteral("4 welds")));
+        QVERIFY(label(breakingTile, "lblWelds")->text().startsWith(QStringLiteral("3 welds")));
+        QVERIFY(label(stoppedTile, "lblLastWeld")->text().endsWith(QStringLiteral("----")));
+        QVERIFY(!label(insideTile, "lblLastWeld")->text().endsWith(QStringLiteral("----")));
+
+        QLabel *weldTime = label(breakingTile, "lblCharacteristic1");
+        QLabel *energy = label(breakingTile, "lblCharacteristic2");
+        QLabel *distance = label(breakingTile, "lblCharacteristic3");
+        QVERIFY(weldTime->text().endsWith(QStringLiteral("3 / 0")));
+        QVERIFY(energy->text().endsWith(QStringLiteral("0 / 3")));
+        QCOMPARE(background(weldTime), BgrColor::toColor(BgrColor::kRed));
+        QCOMPARE(background(energy), BgrColor::toColor(BgrColor::kYellow));
+        QVERIFY(background(distance) != BgrColor::toColor(BgrColor::kGreen));
+        QVERIFY(label(insideTile, "lblCharacteristic1")->text().endsWith(QStringLiteral("0 / 0")));
+
+        // An hour later the welds have left the hourly count.
+        clock.set(clock.now().addSecs(3700));
+        insideTile->refresh();
+        QVERIFY(label(insideTile, "lblWelds")->text().startsWith(QStringLiteral("0 welds")));
+
+        QSignalSpy chosen(&page, &OverviewPage::welderChosen);
+        QTest::mouseClick(breakingTile, Qt::LeftButton);
+        QCOMPARE(chosen.size(), 1);
+        QCOMPARE(chosen.first().first().toString(), breaking.monitor->identifier());
+    }
+};
+
+QTEST_MAIN(TestOverview)
+#include "tst_overview.moc"
