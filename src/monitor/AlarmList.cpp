@@ -25,6 +25,14 @@ int AlarmList::AddAlarmItems(qint32 cycleCount, qint32 alarmBits, const AlarmTab
     });
 }
 
+void AlarmList::AddTextItem(qint32 cycleCount, const QString &text)
+{
+    if (m_totalAlarms == std::numeric_limits<qint32>::max())
+        throw ProgramError::overflow(QStringLiteral("CorvaneUsw.AddTextItem"));
+    ++m_totalAlarms;
+    m_lines.push_back({cycleCount, internText(text)});
+}
+
 void AlarmList::clear()
 {
     m_lines = {};

@@ -25,6 +25,9 @@ public:
     int AddAlarmItems(qint32 cycleCount, qint32 alarmBits, const AlarmTable &alarmTexts,
                       const qlxLanguage &language);
 
+    // Adds one line of a text of its own (already translated), counted as one alarm.
+    void AddTextItem(qint32 cycleCount, const QString &text);
+
     void clear();
 
     qint32 totalAlarms() const { return m_totalAlarms; }

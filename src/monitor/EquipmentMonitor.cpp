@@ -172,6 +172,7 @@ void EquipmentMonitor::stopCollection()
         m_link->setPaused(false);
         NotifyStopped();
         m_sampling->StopCollection(*m_language, m_datasets);
+        ReportRuleViolations();
         EnableDisplayItems(true);
     });
 }

@@ -29,6 +29,7 @@
 
 class DataLog;
 class SamplingSeam;
+struct RuleViolation;
 class WeldSimulator;
 
 // The equipment monitor of one welder: it owns the link to the power supply, the
@@ -102,6 +103,9 @@ public:
     // Makes record the current record.
     CorvaneFUN26 &ResolveFunction26(const CorvaneFUN26 &record);
     void AddAlarmItems(qint32 cycleCount, qint32 alarmBits, const AlarmTable &alarmTexts);
+    // Adds the control-chart rules that the subgroups completed since the last call
+    // broke to the alarms list and the event log.
+    void ReportRuleViolations();
     void InitializeDatasets();
     void AddDataset(qint32 number, const QString &name, const QString &unit);
     void RefreshDisplay();
@@ -151,6 +155,8 @@ signals:
     // A weld record was decoded and processed (after the simulated values in debug mode).
     void weldProcessed(const CorvaneFUN26 &record);
     void linkStateChanged(LinkState state);
+    // A completed subgroup broke a control-chart rule; `text` is its alarms-list line.
+    void ruleViolated(const RuleViolation &violation, const QString &text);
 
 private:
     void ProcessRecord(CorvaneFUN26 &record);

@@ -5,6 +5,7 @@
 
 #include "CharacteristicSteps.h"
 #include "DataLog.h"
+#include "RuleAlarmText.h"
 #include "SamplingSeam.h"
 #include "WeldSimulator.h"
 
@@ -246,6 +247,26 @@ void EquipmentMonitor::AddAlarmItems(qint32 cycleCount, qint32 alarmBits,
     m_alarms.AddAlarmItems(cycleCount, alarmBits, alarmTexts, *m_language);
 }
 
+void EquipmentMonitor::ReportRuleViolations()
+{
+    const QList<RuleViolation> violations = m_sampling->takeRuleViolations();
+    if (violations.isEmpty())
+        return;
+    // The line carries the cycle count of the last weld, as weld alarms carry theirs.
+    const qint32 cycle = m_currentRecord ? m_currentRecord->CycleCount : 0;
+    for (const RuleViolation &violation : violations) {
+        const QString text = ruleAlarmText(violation, *m_language);
+        m_alarms.AddTextItem(cycle, text);
+        reportFailures(m_services.errors, "CorvaneUsw.ReportRuleViolations", [&] {
+            m_services.eventLog.WriteEventLog(QStringLiteral("SPC"),
+                                              QStringLiteral("RuleViolation"), violation.rule, text,
+                                              violation.subgroupTime.toString(Qt::ISODateWithMs));
+        });
+        emit ruleViolated(violation, text);
+    }
+    emit alarmsChanged();
+}
+
 // ---- Link events ---------------------------------------------------------------------
 
 QString EquipmentMonitor::GetSocketState() const
@@ -257,6 +278,7 @@ void EquipmentMonitor::Timer1_Timer()
 {
     reportFailures(m_services.errors, "CorvaneUsw.Timer1_Timer", [&] {
         m_sampling->ProcessSamplePeriod(*m_language, m_datasets);
+        ReportRuleViolations();
         m_link->tick(m_lastWeldTime, *m_language);
     });
 }

@@ -1,13 +1,28 @@
 #pragma once
 
+#include <QDateTime>
 #include <QDomDocument>
 #include <QDomElement>
+#include <QList>
 #include <QObject>
 #include <QString>
 
 struct CorvaneFUN26;
 class DatasetCollection;
 class qlxLanguage;
+
+// A control-chart rule that a newly completed subgroup broke against the limits frozen
+// for its characteristic: rules 1 to 8 of the mean (or individuals) chart, or rule 1 of
+// the range, standard deviation or moving-range chart.
+struct RuleViolation
+{
+    QString characteristic;
+    int rule = 0;
+    bool spreadChart = false;
+    QDateTime subgroupTime;
+    // The plotted point: the subgroup mean (or the spread on the lower chart).
+    double value = 0;
+};
 
 // What the equipment monitor asks of its SPC sampling object: start and stop a
 // collection with the monitor's run, add every weld to the current period, close
@@ -38,6 +53,9 @@ public:
     // Copies the SPC database's specification limits of the configured part into the
     // datasets of the same name, when sampling is enabled.
     virtual void InitializeSpecificationLimits(DatasetCollection &datasets) = 0;
+
+    // The rule violations of the subgroups completed since the last call, oldest first.
+    virtual QList<RuleViolation> takeRuleViolations() { return {}; }
 
     // The SPC part that subgroups are stored for, shown in the monitor's part box.
     virtual QString Part() const { return {}; }

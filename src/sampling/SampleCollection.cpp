@@ -78,6 +78,7 @@ bool SamplingProperties::StartCollection(const qlxLanguage &language)
         m_sourceTag = QLatin1String(kSourceTag);
 
         m_subgroupRecord.clear();
+        m_ruleCheck.reset();
         m_collecting = true;
         m_nextSampleTime = m_services.clock.now();
         SetNextSamplingPeriod();
@@ -162,6 +163,11 @@ void SamplingProperties::ProcessSamplePeriod(const qlxLanguage &language,
     });
 }
 
+QList<RuleViolation> SamplingProperties::takeRuleViolations()
+{
+    return std::exchange(m_ruleViolations, {});
+}
+
 // ---- Saving a period -----------------------------------------------------------------
 
 void SamplingProperties::SaveSubgroup(const qlxLanguage &language,
@@ -181,6 +187,14 @@ void SamplingProperties::SaveSubgroup(const qlxLanguage &language,
                        [&] { SaveDataRate(language); });
         reportFailures(m_services.errors, "SamplingProperties.SaveAlarmCodes",
                        [&] { SaveAlarmCodes(language); });
+        // The completed subgroup is checked before it is stored, so that a database that
+        // refuses it does not hide a process that went out of control. The frozen limits
+        // are read from the database once per collection; while it is away and they have
+        // not been read yet, the period goes unchecked rather than reported every time.
+        if (m_database->isConnected())
+            reportFailures(m_services.errors, "SamplingProperties.CheckControlRules", [&] {
+                m_ruleCheck.check(*m_subgroup, *m_database, m_ruleViolations);
+            });
         const bool stored = deliverSubgroup();
         emit subgroupCompleted(*m_subgroup, !stored);
     }

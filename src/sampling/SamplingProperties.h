@@ -1,5 +1,6 @@
 #pragma once
 
+#include "LiveRuleCheck.h"
 #include "SubgroupRecord.h"
 
 #include "monitor/SamplingSeam.h"
@@ -144,6 +145,8 @@ public:
     // when there is no dialog. True when the part changed.
     bool SelectPart(QObject *owner) override;
 
+    QList<RuleViolation> takeRuleViolations() override;
+
     // ---- Running state ----
     bool Collecting() const { return m_collecting; }
     const QDateTime &PeriodStart() const { return m_periodStart; }
@@ -219,6 +222,8 @@ private:
     bool m_collecting = false;
     // Made on the first save and reused for every period.
     std::optional<qlaDatabase6::Subgroup> m_subgroup;
+    LiveRuleCheck m_ruleCheck;
+    QList<RuleViolation> m_ruleViolations;
 
     // Subgroups of this data source in the outbox; -1 until the outbox was looked at.
     int m_backlog = -1;

@@ -117,6 +117,10 @@ bool HeadlessRunner::start()
                     [this, source](const CorvaneFUN26 &record) {
                         printWeld(source->configurationName(), record);
                     });
+            connect(source, &EquipmentMonitor::ruleViolated, this,
+                    [this, source](const RuleViolation &, const QString &text) {
+                        printLine(source->configurationName() + QStringLiteral(": ") + text);
+                    });
             connect(source, &EquipmentMonitor::spcBacklogChanged, this,
                     [this, source](int backlog) {
                         std::fprintf(m_output, "%s: SPC backlog %d subgroup(s)\n",
@@ -210,8 +214,11 @@ void HeadlessRunner::startBrokerPublishing()
 
 void HeadlessRunner::printWeld(const QString &configurationName, const CorvaneFUN26 &record)
 {
-    const QByteArray line =
-        verboseWeldLine(configurationName, record, m_language, m_format).toUtf8();
-    std::fprintf(m_output, "%s\n", line.constData());
+    printLine(verboseWeldLine(configurationName, record, m_language, m_format));
+}
+
+void HeadlessRunner::printLine(const QString &line)
+{
+    std::fprintf(m_output, "%s\n", line.toUtf8().constData());
     std::fflush(m_output);
 }

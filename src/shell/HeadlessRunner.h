@@ -60,6 +60,7 @@ public:
 
 private:
     void printWeld(const QString &configurationName, const CorvaneFUN26 &record);
+    void printLine(const QString &line);
     void startBrokerPublishing();
 
     HeadlessOptions m_options;

@@ -23,9 +23,13 @@ const QStringList kLimitOptions = {QStringLiteral("usl"), QStringLiteral("lsl"),
                                    QStringLiteral("uwl"), QStringLiteral("lwl"),
                                    QStringLiteral("clear")};
 
-const std::array<ActionRule, 10> &actionRules()
+const QStringList kCharacteristicOptions = {QStringLiteral("part"), QStringLiteral("process"),
+                                            QStringLiteral("test"), QStringLiteral("since"),
+                                            QStringLiteral("until")};
+
+const std::array<ActionRule, 14> &actionRules()
 {
-    static const std::array<ActionRule, 10> rules = {{
+    static const std::array<ActionRule, 14> rules = {{
         {"init", SpcCommand::Action::Init, 0, {}},
         {"add-group", SpcCommand::Action::AddGroup, 1, {}},
         {"add-part", SpcCommand::Action::AddPart, 1, {QStringLiteral("group")}},
@@ -38,6 +42,13 @@ const std::array<ActionRule, 10> &actionRules()
          0,
          {QStringLiteral("part"), QStringLiteral("process"), QStringLiteral("since"),
           QStringLiteral("csv")}},
+        {"chart", SpcCommand::Action::Chart, 0,
+         kCharacteristicOptions + QStringList{"type", "baseline", "frozen", "rules", "csv"}},
+        {"capability", SpcCommand::Action::Capability, 0,
+         kCharacteristicOptions + QStringList{"csv"}},
+        {"freeze-limits", SpcCommand::Action::FreezeLimits, 0,
+         kCharacteristicOptions + QStringList{"type", "baseline"}},
+        {"import", SpcCommand::Action::Import, 1, {}},
         {"outbox",
          SpcCommand::Action::Outbox,
          0,
@@ -48,16 +59,19 @@ const std::array<ActionRule, 10> &actionRules()
 }
 
 const QStringList kAllOptions = {
-    QStringLiteral("group"),  QStringLiteral("usl"),     QStringLiteral("lsl"),
-    QStringLiteral("uwl"),    QStringLiteral("lwl"),     QStringLiteral("clear"),
-    QStringLiteral("part"),   QStringLiteral("process"), QStringLiteral("since"),
-    QStringLiteral("csv"),    QStringLiteral("outbox"),  QStringLiteral("flush"),
+    QStringLiteral("group"),    QStringLiteral("usl"),     QStringLiteral("lsl"),
+    QStringLiteral("uwl"),      QStringLiteral("lwl"),     QStringLiteral("clear"),
+    QStringLiteral("part"),     QStringLiteral("process"), QStringLiteral("since"),
+    QStringLiteral("csv"),      QStringLiteral("test"),    QStringLiteral("until"),
+    QStringLiteral("type"),     QStringLiteral("baseline"), QStringLiteral("frozen"),
+    QStringLiteral("rules"),    QStringLiteral("outbox"),  QStringLiteral("flush"),
     QStringLiteral("discard")};
 
 bool isFlag(const QString &name)
 {
     static const QStringList kFlags = {QStringLiteral("clear"), QStringLiteral("csv"),
-                                       QStringLiteral("flush"), QStringLiteral("discard")};
+                                       QStringLiteral("frozen"), QStringLiteral("flush"),
+                                       QStringLiteral("discard")};
     return kFlags.contains(name);
 }
 
@@ -73,14 +87,13 @@ std::optional<double> limitValue(const QCommandLineParser &parser, const QString
     return ok ? std::optional<double>(value) : std::nullopt;
 }
 
-QDateTime sinceValue(const QString &text)
+// A date alone starts the window at the beginning of that day and ends it at its end.
+QDateTime timeValue(const QString &text, bool endOfDay)
 {
-    QDateTime time = QDateTime::fromString(text, Qt::ISODateWithMs);
-    if (!time.isValid()) {
-        const QDate date = QDate::fromString(text, Qt::ISODate);
-        if (date.isValid())
-            time = date.startOfDay();
-    }
+    // QDate reads the date at the front of a date and time too: only a bare date counts.
+    const QDate date = text.size() == 10 ? QDate::fromString(text, Qt::ISODate) : QDate();
+    QDateTime time = date.isValid() ? (endOfDay ? date.endOfDay() : date.startOfDay())
+                                    : QDateTime::fromString(text, Qt::ISODateWithMs);
     // Subgroups are kept in the workstation's local time.
     if (time.isValid() && time.timeSpec() != Qt::LocalTime)
         time = time.toLocalTime();
@@ -103,6 +116,56 @@ bool readLimits(const QCommandLineParser &parser, SpcCommand &command, QString &
     else if (!command.clear && !anyLimit)
         errorText = QStringLiteral("set-limits needs at least one of --usl, --lsl, --uwl, "
                                    "--lwl, or --clear");
+    return errorText.isEmpty();
+}
+
+bool isAnalysis(SpcCommand::Action action)
+{
+    return action == SpcCommand::Action::Chart || action == SpcCommand::Action::Capability ||
+           action == SpcCommand::Action::FreezeLimits;
+}
+
+// The characteristic, chart type, baseline and rules of chart, capability and
+// freeze-limits.
+bool readAnalysis(const QCommandLineParser &parser, SpcCommand &command, QString &errorText)
+{
+    if (!isAnalysis(command.action))
+        return true;
+    command.test = parser.value(QStringLiteral("test"));
+    if (command.part.isEmpty() || command.process.isEmpty() || command.test.isEmpty()) {
+        errorText = QStringLiteral("--part, --process and --test name the characteristic");
+        return false;
+    }
+    if (parser.isSet(QStringLiteral("type"))) {
+        command.chartType = spc::chartTypeFromName(parser.value(QStringLiteral("type")));
+        if (!command.chartType) {
+            errorText = QStringLiteral("--type takes xbar-r, xbar-s or i-mr");
+            return false;
+        }
+    }
+    if (parser.isSet(QStringLiteral("baseline"))) {
+        bool ok = false;
+        command.baseline = parser.value(QStringLiteral("baseline")).toInt(&ok);
+        if (!ok || *command.baseline < 2) {
+            errorText = QStringLiteral("--baseline needs a number of subgroups, at least 2");
+            return false;
+        }
+    }
+    command.frozen = parser.isSet(QStringLiteral("frozen"));
+    if (parser.isSet(QStringLiteral("rules"))) {
+        const std::optional<spc::RuleSet> rules =
+            spc::RuleSet::parse(parser.value(QStringLiteral("rules")));
+        if (!rules) {
+            errorText = QStringLiteral("--rules takes rule numbers from 1 to 8, such as 1,2,3,5");
+            return false;
+        }
+        command.rules = *rules;
+    }
+    if (command.frozen && (command.baseline || command.chartType))
+        errorText = QStringLiteral("--frozen takes the chart type and limits that were frozen");
+    else if (command.action == SpcCommand::Action::FreezeLimits && !command.baseline &&
+             !(command.since.isValid() && command.until.isValid()))
+        errorText = QStringLiteral("freeze-limits needs --baseline K or --since and --until");
     return errorText.isEmpty();
 }
 
@@ -132,8 +195,15 @@ QString SpcCommandLine::usage()
         "  add-process NAME [--group G]\n"
         "  add-test NAME\n"
         "  set-limits PART TEST [--usl X] [--lsl X] [--uwl X] [--lwl X] | --clear\n"
-        "  list groups|parts|processes|tests|limits\n"
+        "  list groups|parts|processes|tests|limits|control-limits\n"
         "  subgroups [--part P] [--process P] [--since ISO-DATE] [--csv]\n"
+        "  chart --part P --process Q --test T [--since D] [--until D]\n"
+        "        [--type xbar-r|xbar-s|i-mr] [--baseline K | --frozen] [--rules 1,2,3,5]\n"
+        "        [--csv]\n"
+        "  capability --part P --process Q --test T [--since D] [--until D] [--csv]\n"
+        "  freeze-limits --part P --process Q --test T (--baseline K | --since D --until D)\n"
+        "        [--type xbar-r|xbar-s|i-mr]\n"
+        "  import FILE|-                     store the subgroups of a subgroups --csv report\n"
         "  outbox [--outbox FILE] [--flush | --discard]\n"
         "                                    list the subgroups waiting for their database,\n"
         "                                    forward them, or drop them (with --dsn: only\n"
@@ -207,21 +277,28 @@ std::optional<SpcCommand> SpcCommandLine::parse(const QStringList &arguments, QS
     if (command.action == SpcCommand::Action::SetLimits && !readLimits(parser, command, errorText))
         return std::nullopt;
     if (command.action == SpcCommand::Action::List) {
-        static const QStringList kLists = {QStringLiteral("groups"), QStringLiteral("parts"),
-                                           QStringLiteral("processes"), QStringLiteral("tests"),
-                                           QStringLiteral("limits")};
+        static const QStringList kLists = {
+            QStringLiteral("groups"), QStringLiteral("parts"),  QStringLiteral("processes"),
+            QStringLiteral("tests"),  QStringLiteral("limits"), QStringLiteral("control-limits")};
         if (!kLists.contains(command.names.constFirst())) {
-            errorText = QStringLiteral("list takes groups, parts, processes, tests or limits");
+            errorText = QStringLiteral(
+                "list takes groups, parts, processes, tests, limits or control-limits");
             return std::nullopt;
         }
     }
-    if (parser.isSet(QStringLiteral("since"))) {
-        command.since = sinceValue(parser.value(QStringLiteral("since")));
-        if (!command.since.isValid()) {
-            errorText = QStringLiteral("--since needs an ISO 8601 date, such as 2026-11-14 or "
-                                       "2026-11-14T22:05:00");
+    for (const bool until : {false, true}) {
+        const QString name = until ? QStringLiteral("until") : QStringLiteral("since");
+        if (!parser.isSet(name))
+            continue;
+        (until ? command.until : command.since) = timeValue(parser.value(name), until);
+        if (!(until ? command.until : command.since).isValid()) {
+            errorText = QStringLiteral("--%1 needs an ISO 8601 date, such as 2026-11-14 or "
+                                       "2026-11-14T22:05:00")
+                            .arg(name);
             return std::nullopt;
         }
     }
+    if (!readAnalysis(parser, command, errorText))
+        return std::nullopt;
     return command;
 }

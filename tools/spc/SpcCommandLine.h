@@ -4,6 +4,9 @@
 #include <QString>
 #include <QStringList>
 
+#include "spc/ChartType.h"
+#include "spc/RuleSet.h"
+
 #include <optional>
 
 // One command of the SPC administration tool, as read from its command line.
@@ -18,6 +21,10 @@ struct SpcCommand
         SetLimits,
         List,
         Subgroups,
+        Chart,
+        Capability,
+        FreezeLimits,
+        Import,
         Outbox,
         Help,
     };
@@ -27,7 +34,8 @@ struct SpcCommand
     // True when --dsn was not given and the default database in the data folder is
     // used.
     bool defaultDsn = true;
-    // add-*: the name; set-limits: the part and the test; list: what to list.
+    // add-*: the name; set-limits: the part and the test; list: what to list; import: the
+    // file ("-" for standard input).
     QStringList names;
     QString group;
     std::optional<double> upperSpecLimit;
@@ -37,8 +45,16 @@ struct SpcCommand
     bool clear = false;
     QString part;
     QString process;
+    QString test;
     QDateTime since;
+    QDateTime until;
     bool csv = false;
+    // chart and freeze-limits: the chart type when not the one the subgroups' size suits.
+    std::optional<spc::ChartType> chartType;
+    // The first this many subgroups of the window are the baseline.
+    std::optional<int> baseline;
+    bool frozen = false;
+    spc::RuleSet rules = spc::RuleSet::defaults();
     // outbox: the outbox file, and what to do with its subgroups besides listing them.
     QString outboxPath;
     bool flush = false;

@@ -1,10 +1,14 @@
 #include "SpcTool.h"
 
 #include "CsvWriter.h"
+#include "SpcAnalysis.h"
+#include "SubgroupCsv.h"
+#include "SubgroupImport.h"
 
 #include "platform/ProgramError.h"
 #include "platform/spc/Database.h"
 
+#include <QFile>
 #include <QLocale>
 
 using qlaDatabase6::Record;
@@ -12,10 +16,13 @@ using qlaDatabase6::RecordKind;
 using qlaDatabase6::SpecLimit;
 using qlaDatabase6::StoredValue;
 
-namespace {
+SpcTool::SpcTool(qlaDatabase6::Database &database, QTextStream &out, const Clock &clock)
+    : m_database(database)
+    , m_out(out)
+    , m_clock(clock)
+{}
 
-// A report line without CSV must not be broken by the texts in it.
-QString tabSafe(QString text)
+QString SpcTool::tabSafe(QString text)
 {
     for (QChar &c : text)
         if (c == u'\t' || c == u'\n' || c == u'\r')
@@ -23,17 +30,10 @@ QString tabSafe(QString text)
     return text;
 }
 
-QString timeText(const QDateTime &time)
+QString SpcTool::timeText(const QDateTime &time)
 {
     return time.toString(time.time().msec() == 0 ? Qt::ISODate : Qt::ISODateWithMs);
 }
-
-} // namespace
-
-SpcTool::SpcTool(qlaDatabase6::Database &database, QTextStream &out)
-    : m_database(database)
-    , m_out(out)
-{}
 
 QString SpcTool::numberText(double value)
 {
@@ -66,6 +66,18 @@ void SpcTool::run(const SpcCommand &command)
         break;
     case SpcCommand::Action::Subgroups:
         subgroups(command);
+        break;
+    case SpcCommand::Action::Chart:
+        SpcAnalysis(m_database, m_out, m_clock).chart(command);
+        break;
+    case SpcCommand::Action::Capability:
+        SpcAnalysis(m_database, m_out, m_clock).capability(command);
+        break;
+    case SpcCommand::Action::FreezeLimits:
+        SpcAnalysis(m_database, m_out, m_clock).freezeLimits(command);
+        break;
+    case SpcCommand::Action::Import:
+        import(command.names.constFirst());
         break;
     case SpcCommand::Action::Outbox: // runs on the outbox file, not on a database
     case SpcCommand::Action::Help:
@@ -123,6 +135,10 @@ void SpcTool::list(const QString &what)
         listLimits();
         return;
     }
+    if (what == QLatin1String("control-limits")) {
+        SpcAnalysis(m_database, m_out, m_clock).listControlLimits();
+        return;
+    }
     RecordKind kind = RecordKind::Group;
     if (what == QLatin1String("parts"))
         kind = RecordKind::Part;
@@ -157,12 +173,6 @@ void SpcTool::listLimits()
 
 void SpcTool::subgroups(const SpcCommand &command)
 {
-    const QStringList heading = {
-        QStringLiteral("subgroup"),   QStringLiteral("date_time"),     QStringLiteral("part_group"),
-        QStringLiteral("part"),       QStringLiteral("process_group"), QStringLiteral("process"),
-        QStringLiteral("source_tag"), QStringLiteral("value_count"),   QStringLiteral("test_item"),
-        QStringLiteral("kind"),       QStringLiteral("sample_number"), QStringLiteral("value"),
-        QStringLiteral("text")};
     const auto write = [&](const QStringList &fields) {
         if (command.csv) {
             m_out << CsvWriter::row(fields);
@@ -177,11 +187,34 @@ void SpcTool::subgroups(const SpcCommand &command)
     filter.part = command.part;
     filter.process = command.process;
     filter.since = command.since;
-    write(heading);
+    write(SubgroupCsv::heading());
     for (const StoredValue &row : m_database.subgroupValues(filter)) {
         write({QString::number(row.subgroupId), timeText(row.header.dateTime), row.header.partGroup,
                row.header.part, row.header.processGroup, row.header.process, row.header.sourceTag,
                QString::number(row.header.valueCount), row.testItem, QString::number(row.kind),
                QString::number(row.sampleNumber), numberText(row.value), row.text});
     }
+}
+
+void SpcTool::import(const QString &file)
+{
+    QFile input;
+    const bool standardInput = file == QLatin1String("-");
+    const bool opened = standardInput ? input.open(stdin, QIODevice::ReadOnly)
+                                      : (input.setFileName(file), input.open(QIODevice::ReadOnly));
+    if (!opened)
+        throw ProgramError::raised(
+            QStringLiteral("cannot read %1: %2").arg(file, input.errorString()),
+            QStringLiteral("SpcTool.import"));
+    QString problem;
+    const std::optional<QList<qlaDatabase6::Subgroup>> subgroups =
+        SubgroupCsv::read(QString::fromUtf8(input.readAll()), problem);
+    if (!subgroups)
+        throw ProgramError::raised(
+            QStringLiteral("%1: %2").arg(standardInput ? QStringLiteral("standard input") : file,
+                                         problem),
+            QStringLiteral("SpcTool.import"));
+    const SubgroupImport::Result result = SubgroupImport::store(m_database, *subgroups);
+    m_out << "imported " << result.stored << " subgroups, skipped " << result.skipped
+          << " already stored\n";
 }

@@ -4,6 +4,7 @@
 #include "SpcCommandLine.h"
 #include "SpcTool.h"
 
+#include "platform/Clock.h"
 #include "platform/ProgramError.h"
 #include "platform/ProgramFiles.h"
 #include "platform/spc/SqlDatabase.h"
@@ -63,7 +64,8 @@ int main(int argc, char *argv[])
     if (!database.openConnection())
         return failed(database.lastErrorText());
     try {
-        SpcTool(database, out).run(*command);
+        const SystemClock clock;
+        SpcTool(database, out, clock).run(*command);
     } catch (const ProgramError &error) {
         out.flush();
         return failed(error.description());

@@ -4,11 +4,15 @@
 #include "platform/spc/SqlDatabase.h"
 
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QProcess>
 #include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTextStream>
+
+#include <cmath>
 
 using namespace qlaDatabase6;
 
@@ -273,6 +277,170 @@ private slots:
                          root.path())
                      .out,
                  QStringLiteral("Energy\n"));
+    }
+
+    // The textbook subgroups of the statistics suite (X̄̄ 11, R̄ 3, n 5) carried through
+    // import, report, a second database, chart, capability and frozen limits.
+    void importChartAndCapability_data() { addBackendRows(); }
+    void importChartAndCapability()
+    {
+        SCRATCH_DATABASE(scratch);
+        const QString data = m_dataFolder.path();
+        const auto tool = [&](QStringList arguments, const QString &dsn) {
+            return runTool(arguments << QStringLiteral("--dsn") << dsn, data);
+        };
+        const auto rowsOf = [](const ToolRun &run) {
+            QList<QStringList> rows;
+            if (run.exitCode != 0 || !parseCsv(run.out, rows))
+                qWarning("%s%s", qPrintable(run.out), qPrintable(run.err));
+            return rows;
+        };
+        const QList<QList<double>> values = {
+            {10, 12, 11, 13, 9}, {11, 11, 12, 10, 11}, {12, 14, 13, 11, 10}, {9, 10, 11, 10, 10}};
+        QTemporaryDir folder;
+        const QString file = folder.filePath(QStringLiteral("history.csv"));
+        {
+            QFile csv(file);
+            QVERIFY(csv.open(QIODevice::WriteOnly));
+            QTextStream out(&csv);
+            out << "subgroup,date_time,part_group,part,process_group,process,source_tag,"
+                   "value_count,test_item,kind,sample_number,value,text\r\n";
+            for (int s = 0; s < values.size(); ++s) {
+                const QString head = QStringLiteral("%1,2026-11-02T06:%2:00,Line 3,Housing,"
+                                                    "Corvane,Seal weld,Corvane,5,")
+                                         .arg(s + 7)
+                                         .arg(s * 5, 2, 10, QLatin1Char('0'));
+                for (int i = 0; i < 5; ++i)
+                    out << head << "Energy,1," << i + 1 << ',' << values[s][i] << ",\r\n";
+                out << head << "Reject Part Alarms,2,1,1,\"Peak, \"\"High\"\"\"\r\n";
+            }
+        }
+        ToolRun run = tool({"import", file}, scratch.dsn());
+        QCOMPARE(run.out, QStringLiteral("imported 4 subgroups, skipped 0 already stored\n"));
+        QCOMPARE(tool({"list", "parts"}, scratch.dsn()).out, QStringLiteral("Housing\tLine 3\n"));
+
+        // The report imports into a second database and reports the same there; a
+        // repeated import stores nothing.
+        const QList<QStringList> report = rowsOf(tool({"subgroups", "--csv"}, scratch.dsn()));
+        QCOMPARE(report.size(), 1 + 4 * 6);
+        ScratchDatabase second(QStringLiteral("sqlite"));
+        QVERIFY(second.state() == ScratchDatabase::State::Ready);
+        QCOMPARE(tool({"import", file}, second.dsn()).exitCode, 0);
+        QProcess pipe;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(QStringLiteral("CORVANE_DATA_DIR"), data);
+        pipe.setProcessEnvironment(environment);
+        pipe.start(QStringLiteral(CORVANE_SPC_TOOL), {"import", "-", "--dsn", second.dsn()});
+        pipe.write(tool({"subgroups", "--csv"}, scratch.dsn()).out.toUtf8());
+        pipe.closeWriteChannel();
+        QVERIFY(pipe.waitForFinished(60000));
+        QCOMPARE(pipe.readAllStandardOutput(),
+                 QByteArray("imported 0 subgroups, skipped 4 already stored\n"));
+        QList<QStringList> copied = rowsOf(tool({"subgroups", "--csv"}, second.dsn()));
+        QList<QStringList> original = report;
+        for (QList<QStringList> *rows : {&copied, &original})
+            for (QStringList &row : *rows)
+                row.removeFirst();
+        QCOMPARE(copied, original);
+
+        // X̄ limits 11 ± A2 R̄ (A2 0.577), R limits 0 and D4 R̄ (D4 2.114).
+        QList<QStringList> chart = rowsOf(tool(
+            {"chart", "--part", "Housing", "--process", "Seal weld", "--test", "Energy", "--csv"},
+            scratch.dsn()));
+        QCOMPARE(chart.size(), 5);
+        QCOMPARE(chart[0].join(u','),
+                 QStringLiteral("subgroup,date_time,n,mean,range,stddev,x_cl,x_lcl,x_ucl,r_cl,"
+                                "r_lcl,r_ucl,rules"));
+        QCOMPARE(chart[3].mid(1, 5), QStringList({"2026-11-02T06:10:00", "5", "12", "4",
+                                                  QString::number(std::sqrt(2.5), 'g', 17)}));
+        QVERIFY(std::abs(chart[3][8].toDouble() - (11 + 0.577 * 3)) < 1e-3);
+        QVERIFY(std::abs(chart[3][11].toDouble() - 2.114 * 3) < 5e-3);
+        QCOMPARE(chart[3][10], QStringLiteral("0"));
+
+        // Cp 9 / (6 R̄/d2) and Ppk 4 / (3 √(34/19)) with specification limits 7 and 16.
+        QCOMPARE(
+            tool({"set-limits", "Housing", "Energy", "--lsl", "7", "--usl", "16"}, scratch.dsn())
+                .exitCode,
+            0);
+        const QList<QStringList> capability =
+            rowsOf(tool({"capability", "--part", "Housing", "--process", "Seal weld", "--test",
+                         "Energy", "--csv"},
+                        scratch.dsn()));
+        QCOMPARE(capability.size(), 2);
+        QCOMPARE(capability[0].size(), 20);
+        QCOMPARE(capability[1].mid(0, 3), QStringList({"20", "4", "11"}));
+        QVERIFY(std::abs(capability[1][7].toDouble() - 9 / (6 * 3 / 2.326)) < 1e-9);
+        QVERIFY(std::abs(capability[1][16].toDouble() - 4 / (3 * std::sqrt(34.0 / 19))) < 1e-9);
+
+        // Limits frozen from the four; a shifted fifth subgroup breaks rule 1 against them.
+        const QStringList characteristic = {"--part",    "Housing", "--process",
+                                            "Seal weld", "--test",  "Energy"};
+        QCOMPARE(
+            tool(QStringList{"freeze-limits", "--baseline", "4"} + characteristic, scratch.dsn())
+                .exitCode,
+            0);
+        Subgroup shifted;
+        shifted.setHeader({true, 5, QDateTime(QDate(2026, 11, 2), QTime(7, 0)),
+                           QStringLiteral("Line 3"), QStringLiteral("Housing"),
+                           QStringLiteral("Corvane"), QStringLiteral("Seal weld"),
+                           QStringLiteral("Corvane")});
+        shifted.AddTestItem(QStringLiteral("Energy"), TestItem::kMeasuredValue);
+        for (int i = 1; i <= 5; ++i)
+            shifted.addValue(i, 13 + i % 2);
+        {
+            SqlDatabase database;
+            QVERIFY(connectTo(database, scratch.dsn()));
+            QVERIFY(shifted.store(database) > 0);
+        }
+        chart =
+            rowsOf(tool(QStringList{"chart", "--frozen", "--csv"} + characteristic, scratch.dsn()));
+        QCOMPARE(chart.size(), 6);
+        QCOMPARE(chart[5].last(), QStringLiteral("1"));
+        QCOMPARE(chart[4].last(), QString());
+        QCOMPARE(tool(QStringList{"freeze-limits", "--since", "2026-11-02", "--until",
+                                  "2026-11-02T06:15"} +
+                          characteristic,
+                      scratch.dsn())
+                     .exitCode,
+                 0);
+        const QString limits = tool({"list", "control-limits"}, scratch.dsn()).out;
+        QVERIFY2(limits.startsWith(QLatin1String("Housing\tSeal weld\tEnergy\txbar-r\t11\t")),
+                 qPrintable(limits));
+        RawConnection raw(scratch.dsn());
+        QCOMPARE(raw.count(QStringLiteral("control_limits_history")), 1);
+    }
+
+    void analysisRefusals_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<int>("exitCode");
+        QTest::addColumn<QString>("message");
+        const QStringList energy = {"--part",    "Housing", "--process",
+                                    "Seal weld", "--test",  "Energy"};
+        QTest::newRow("no test") << QStringList({"chart", "--part", "P", "--process", "Q"}) << 2
+                                 << "Usage";
+        QTest::newRow("baseline and frozen")
+            << QStringList({"chart", "--baseline", "4", "--frozen"}) + energy << 2 << "Usage";
+        QTest::newRow("rule 9") << QStringList({"chart", "--rules", "1,9"}) + energy << 2
+                                << "Usage";
+        QTest::newRow("freeze without baseline")
+            << QStringList({"freeze-limits"}) + energy << 2 << "Usage";
+        QTest::newRow("nothing frozen")
+            << QStringList({"chart", "--frozen"}) + energy << 1 << "no control limits";
+        QTest::newRow("no subgroups") << QStringList({"chart"}) + energy << 1 << "not enough data";
+        QTest::newRow("not a report") << QStringList({"import", "/dev/null"}) << 1 << "heading";
+        QTest::newRow("no file") << QStringList({"import", "/nonexistent/history.csv"}) << 1
+                                 << "cannot read";
+    }
+    void analysisRefusals()
+    {
+        QFETCH(QStringList, arguments);
+        QFETCH(int, exitCode);
+        QFETCH(QString, message);
+        QTemporaryDir data;
+        const ToolRun result = runTool(arguments, data.path());
+        QCOMPARE(result.exitCode, exitCode);
+        QVERIFY2(result.err.contains(message), qPrintable(result.err));
     }
 };
 
