@@ -3,6 +3,8 @@
 # optimised build, the same suites under AddressSanitizer and UndefinedBehaviorSanitizer,
 # and the parser's fuzz target for a bounded time. The suites of the plant-wide SPC
 # database run against a throwaway PostgreSQL server that this script starts and stops.
+# Where the Qt SDK for MinGW-w64 is at hand, the Windows build is made and tested under
+# wine as well, and its zip packed.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -25,3 +27,10 @@ ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
 
 echo "== Fuzz the frame parser for ${fuzz_seconds} s"
 fuzz/run.sh build/asan-ubsan "$fuzz_seconds"
+
+if reason=$(scripts/windows/sdk-at-hand.sh 2>&1 >/dev/null); then
+    echo "== Windows: cross-build, suites and the headless program under wine, zip"
+    scripts/windows/test.sh "$jobs"
+else
+    echo "== Windows stage skipped: $reason"
+fi

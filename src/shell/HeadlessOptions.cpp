@@ -1,5 +1,7 @@
 #include "HeadlessOptions.h"
 
+#include "TerminationSignals.h"
+
 #include "platform/ProgramFiles.h"
 
 #include <QCommandLineParser>
@@ -43,15 +45,17 @@ std::optional<HeadlessOptions> HeadlessOptions::parse(const QStringList &argumen
 QString HeadlessOptions::usage()
 {
     return QStringLiteral(
-        "Usage: corvane-monitor [--headless] [--data-dir DIR] [--verbose] [/debug]\n"
-        "Watches the welders of the configurations file in the data folder and logs\n"
-        "their welds.\n"
-        "\n"
-        "  --headless      Run without a window until SIGINT or SIGTERM, then save the\n"
-        "                  configurations file and end.\n"
-        "  --data-dir DIR  Data folder (overrides CORVANE_DATA_DIR).\n"
-        "  --verbose       Print one line per weld: configuration, cycle, weld time,\n"
-        "                  energy, alarms.\n"
-        "  /debug          Replace received values by simulated ones.\n"
-        "  -h, --help      Show this help.\n");
+               "Usage: corvane-monitor [--headless] [--data-dir DIR] [--verbose] [/debug]\n"
+               "Watches the welders of the configurations file in the data folder and logs\n"
+               "their welds.\n"
+               "\n"
+               "  --headless      Run without a window until %1,\n"
+               "                  then save the configurations file and end.\n")
+               .arg(QLatin1String(TerminationSignals::kHowToEnd)) +
+           QStringLiteral(
+               "  --data-dir DIR  Data folder (overrides CORVANE_DATA_DIR).\n"
+               "  --verbose       Print one line per weld: configuration, cycle, weld time,\n"
+               "                  energy, alarms.\n"
+               "  /debug          Replace received values by simulated ones.\n"
+               "  -h, --help      Show this help.\n");
 }

@@ -24,7 +24,8 @@ BOOL WINAPI onConsoleControl(DWORD event)
     const int signalNumber = event == CTRL_C_EVENT ? SIGINT : SIGTERM;
     if (TerminationSignals *instance = g_instance.data()) {
         QMetaObject::invokeMethod(
-            instance, [instance, signalNumber] { emit instance->terminationRequested(signalNumber); },
+            instance,
+            [instance, signalNumber] { emit instance->terminationRequested(signalNumber); },
             Qt::QueuedConnection);
     }
     if (event == CTRL_CLOSE_EVENT || event == CTRL_LOGOFF_EVENT || event == CTRL_SHUTDOWN_EVENT)
@@ -40,6 +41,9 @@ TerminationSignals::TerminationSignals(QObject *parent)
     if (g_instance)
         return;
     g_instance = this;
+    // The monitor is a windowed program: started from a console it is not attached to
+    // it, and only an attached program receives the console's Ctrl+C and close events.
+    ::AttachConsole(ATTACH_PARENT_PROCESS);
     m_active = ::SetConsoleCtrlHandler(onConsoleControl, TRUE) != 0;
 }
 
