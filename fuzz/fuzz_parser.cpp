@@ -9,6 +9,7 @@
 #include "platform/ProgramError.h"
 #include "protocol/CorvaneParser.h"
 #include "protocol/CorvaneUSWSupport.h"
+#include "protocol/FrameScanner.h"
 #include "protocol/FrameSync.h"
 #include "protocol/Function26Frame.h"
 
@@ -89,50 +90,53 @@ Outcome decode(QByteArrayView input, MeasurementSystem system, PieceSizes *sizes
 }
 
 // Takes frames from the head of one buffer as a receiver does, checking what each call
-// of the parser promises: a failure leaves the buffer untouched, a consumed count stays
-// inside the buffer, and a record holds exactly the 116 data bytes of its frame.
+// of the parser promises: the scanning core and the raising wrappers agree, a failure
+// leaves the buffer untouched, a consumed count stays inside the buffer, and a record
+// holds exactly the 116 data bytes of its frame.
 void driveParser(QByteArrayView input, MeasurementSystem system)
 {
+    using FrameScanner::FrameStatus;
     const FixedClock clock;
     const CorvaneParser parser(system, clock);
     ReceiveBuffer buffer(input);
+    ReceiveBuffer wrapped(input);
+    CorvaneFUN26 record;
     for (;;) {
         const QByteArray before = buffer.toByteArray();
-        std::optional<CorvaneFUN26> record;
-        qsizetype consumed = -1;
-        try {
-            parser.ProcessBlock(buffer, record, consumed);
-        } catch (const ProgramError &error) {
-            check(error.number() == ProgramError::kProgramErrorNumber ||
-                  error.number() == ProgramError::kSubscriptOutOfRange);
-            check(!record);
+        const FrameStatus status = parser.next(buffer, record);
+        const qsizetype consumed = before.size() - buffer.size();
+        if (status == FrameStatus::BadEndMarker || status == FrameStatus::EndBeforeBuffer) {
+            check(consumed == 0);
             try {
-                parser.GetFunction(buffer);
+                parser.GetFunction(wrapped);
                 check(false);
-            } catch (const ProgramError &again) {
-                check(again.number() == error.number());
+            } catch (const ProgramError &error) {
+                const ProgramError expected = CorvaneParser::frameError(status);
+                check(error.number() == expected.number());
+                check(error.source() == expected.source());
             }
-            check(buffer.view() == before);
+            check(wrapped.view() == before);
             check(FrameSync::dropBadFrameStart(buffer) >= 2);
+            FrameSync::dropBadFrameStart(wrapped);
             continue;
         }
         // A frame is taken only with a byte behind it, so never the whole buffer.
         check(consumed >= 0 && (consumed == 0 || consumed < before.size()));
-        if (consumed == 0) {
-            check(!record);
-            check(!parser.GetFunction(buffer));
-            check(buffer.view() == before);
+        const std::optional<CorvaneFUN26> taken = parser.GetFunction(wrapped);
+        check(wrapped.view() == buffer.view());
+        check(taken.has_value() == (status == FrameStatus::WeldRecord));
+        if (status == FrameStatus::NeedMoreBytes) {
+            check(consumed == 0);
             return;
         }
-        if (record) {
+        check(consumed > 0);
+        if (taken) {
             check(consumed >= 124);
+            check(*taken == record);
             const QByteArray data = before.sliced(consumed - 118, CorvaneFUN26::kDataBytes);
-            check(Function26Frame::encodeData(*record, system) == data);
-            check(record->AcquiredTime == clock.now());
+            check(Function26Frame::encodeData(record, system) == data);
+            check(record.AcquiredTime == clock.now());
         }
-        const std::optional<CorvaneFUN26> taken = parser.GetFunction(buffer);
-        check(taken == record);
-        check(buffer.view() == QByteArrayView(before).sliced(consumed));
     }
 }
 

@@ -225,14 +225,14 @@ void dlgIPSetup::ShowProcessedData(ReceiveBuffer &buffer)
     passOn("dlgIPSetup.ShowProcessedData", [&] {
         // Frames of other functions are passed over until a weld record or the end of
         // the complete frames.
-        std::optional<CorvaneFUN26> record;
-        for (;;) {
-            const qsizetype before = buffer.size();
-            record = m_parser.GetFunction(buffer);
-            if (record || buffer.size() == before)
-                break;
-        }
-        if (!record) {
+        CorvaneFUN26 record;
+        FrameScanner::FrameStatus status = FrameScanner::FrameStatus::OtherFunction;
+        while (status == FrameScanner::FrameStatus::OtherFunction)
+            status = m_parser.next(buffer, record);
+        if (status == FrameScanner::FrameStatus::BadEndMarker ||
+            status == FrameScanner::FrameStatus::EndBeforeBuffer)
+            throw CorvaneParser::frameError(status);
+        if (status != FrameScanner::FrameStatus::WeldRecord) {
             // What waits for the rest of a frame stays; noise in front of it goes, so a
             // line at the wrong baud rate cannot grow the buffer.
             FrameSync::discardUnframedLead(buffer);
@@ -240,7 +240,7 @@ void dlgIPSetup::ShowProcessedData(ReceiveBuffer &buffer)
         }
         // The console shows one record per arrival and starts afresh behind it.
         buffer.clear();
-        appendSample(ConsoleText::recordEntry(*record, m_language, m_format));
+        appendSample(ConsoleText::recordEntry(record, m_language, m_format));
     });
 }
 

@@ -14,22 +14,49 @@ EquipmentMonitor::EquipmentMonitor(MonitorServices services, QObject *parent)
     : QObject(parent)
     , m_services(std::move(services))
     , m_identifier(QUuid::createUuid().toString(QUuid::WithoutBraces))
+    , m_linkEvents(m_services.eventLog, m_services.clock)
 {
     m_sampling = m_services.makeSampling ? m_services.makeSampling() : nullptr;
     if (!m_sampling)
         m_sampling = std::make_unique<NullSampling>();
-    m_link = std::make_unique<EquipmentLink>(m_services.clock, static_cast<LinkHost &>(*this),
-                                             m_services.makeSocket, m_services.makeSerialPort);
+    m_link = std::make_unique<EquipmentLink>(m_services.clock, m_services.makeSocket,
+                                             m_services.makeSerialPort);
+    connectLink();
     m_dataLog = std::make_unique<DataLog>(m_services.eventLog, m_services.errors);
     m_simulator = std::make_unique<WeldSimulator>(m_services.randomSeed);
 
     m_timer.setInterval(kTimerIntervalMs);
     connect(&m_timer, &QTimer::timeout, this, &EquipmentMonitor::Timer1_Timer);
+    m_backlogTimer.setSingleShot(true);
+    m_backlogTimer.setInterval(0);
+    connect(&m_backlogTimer, &QTimer::timeout, this, &EquipmentMonitor::drainBacklog);
+}
+
+void EquipmentMonitor::connectLink()
+{
+    EquipmentLink *link = m_link.get();
+    connect(link, &EquipmentLink::bytesArrived, this, [this](const QByteArray &bytes) {
+        if (m_link->isSerial())
+            MSComm1_OnComm(bytes);
+        else
+            Winsock1_DataArrival(bytes);
+    });
+    connect(link, &EquipmentLink::connected, this, &EquipmentMonitor::Winsock1_Connect);
+    connect(link, &EquipmentLink::closed, this, &EquipmentMonitor::Winsock1_Close);
+    connect(link, &EquipmentLink::errorOccurred, this, &EquipmentMonitor::Winsock1_Error);
+    connect(link, &EquipmentLink::connectAttempted, this, &EquipmentMonitor::NotifyStarted);
+    connect(link, &EquipmentLink::portRefused, this, &EquipmentMonitor::StopDataCollection);
+    connect(link, &EquipmentLink::connectionLabelChanged, this,
+            &EquipmentMonitor::showConnectionLabel);
+    connect(link, &EquipmentLink::connectionProblemChanged, this,
+            &EquipmentMonitor::showConnectionProblem);
+    connect(link, &EquipmentLink::linkStateChanged, this, &EquipmentMonitor::linkStateChanged);
 }
 
 EquipmentMonitor::~EquipmentMonitor()
 {
     m_timer.stop();
+    m_backlogTimer.stop();
     // The ports go first, so that nothing they report on closing reaches a half-gone
     // monitor.
     m_link.reset();
@@ -58,7 +85,9 @@ void EquipmentMonitor::StartStop()
 {
     reportFailures(m_services.errors, "CorvaneUsw.bnStartStop_Click", [&] {
         if (m_link->isSerial()) {
-            if (m_link->serialPortOpen())
+            // A port whose device went away is still collecting: it is reopened when
+            // the device is back.
+            if (m_link->serialPortOpen() || m_link->serialPortLost())
                 stopCollection();
             else
                 startCollection();
@@ -109,8 +138,10 @@ void EquipmentMonitor::startCollection()
 void EquipmentMonitor::stopCollection()
 {
     passOn("CorvaneUsw.StopDataCollection", [&] {
-        m_link->setLinkState(1);
+        m_link->setLinkState(LinkState::Stopped);
         m_link->close();
+        m_backlogTimer.stop();
+        m_link->setPaused(false);
         NotifyStopped();
         m_sampling->StopCollection(*m_language, m_datasets);
         EnableDisplayItems(true);
@@ -163,14 +194,15 @@ bool EquipmentMonitor::ShutDown()
         // A monitor that was shut down must neither reconnect nor receive in the
         // background while its slot waits to be reused.
         m_timer.stop();
+        m_backlogTimer.stop();
         m_link->close();
-        m_link->setLinkState(0);
+        m_link->setLinkState(LinkState::ShutDown);
         done = true;
     });
     return done;
 }
 
-int EquipmentMonitor::DriverState() const
+LinkState EquipmentMonitor::linkState() const
 {
     return m_link->linkState();
 }
@@ -193,8 +225,9 @@ bool EquipmentMonitor::Load(const QString &xml)
         if (ConfigurationElement::read(xml, configuration, *m_sampling, isCharacteristic)) {
             m_configuration = configuration;
             m_link->setAddress(m_configuration.address);
+            m_linkEvents.setLink(m_configuration.name, m_configuration.address);
         }
-        m_link->setLinkState(1);
+        m_link->setLinkState(LinkState::Stopped);
         RefreshDisplay();
         loaded = true;
     });
@@ -214,6 +247,7 @@ void EquipmentMonitor::setEquipment(const QString &name, const QString &address)
     m_configuration.name = name;
     m_configuration.address = address;
     m_link->setAddress(address);
+    m_linkEvents.setLink(name, address);
 }
 
 void EquipmentMonitor::setDataLogging(bool enabled, const QString &fileName)
@@ -255,7 +289,7 @@ void EquipmentMonitor::InitializeDataLogging()
 void EquipmentMonitor::appendToDataLog(const CorvaneFUN26 &record)
 {
     if (m_configuration.dataLoggingEnabled)
-        m_dataLog->AppendFile(m_configuration.dataLogFile, record.Record(m_format));
+        m_dataLog->AppendFile(m_configuration.dataLogFile, m_recordText.format(record));
 }
 
 // ---- Captions and indicators ---------------------------------------------------------

@@ -3,6 +3,8 @@
 #include "monitor/AlarmList.h"
 #include "monitor/ConfigurationElement.h"
 #include "monitor/EquipmentLink.h"
+#include "monitor/LinkEventLog.h"
+#include "monitor/LinkState.h"
 #include "monitor/MonitorServices.h"
 
 #include "platform/RegionalFormat.h"
@@ -10,6 +12,7 @@
 #include "protocol/AlarmCodes.h"
 #include "protocol/CorvaneFUN26.h"
 #include "protocol/ReceiveBuffer.h"
+#include "protocol/RecordFormatter.h"
 #include "stats/DatasetCollection.h"
 
 #include <QDateTime>
@@ -31,8 +34,9 @@ class WeldSimulator;
 // receive buffer, the current weld record, the eight datasets, the alarm list, the
 // counters, the data log and the SPC sampling object. It runs without any widget: the
 // view that shows it listens to its signals and reads its properties, and forwards the
-// user's commands to its operations.
-class EquipmentMonitor : public QObject, private LinkHost
+// user's commands to its operations. Its link reports what arrived and what happened
+// through signals; the monitor never reads back from the link inside one of them.
+class EquipmentMonitor : public QObject
 {
     Q_OBJECT
     Q_PROPERTY(QString startStopCaption READ startStopCaption NOTIFY startStopCaptionChanged)
@@ -52,14 +56,15 @@ public:
     void Initialize(const qlxLanguage &language, int slotIndex);
     void StartStop();
     void StartDataCollection();
-    void StopDataCollection() override;
+    void StopDataCollection();
     bool ShutDown();
-    void NotifyStarted() override;
+    void NotifyStarted();
     void NotifyStopped();
     void EnableDisplayItems(bool enabled);
     static QString GetRunTimeText(qint64 seconds);
 
-    int DriverState() const;
+    int DriverState() const { return int(linkState()); }
+    LinkState linkState() const;
     QString identifier() const { return m_identifier; }
     QString configurationName() const { return m_configuration.name; }
     bool SPCSamplingEnabled() const;
@@ -84,8 +89,10 @@ public:
 
     // Data stream.
     void receiveBytes(QByteArrayView bytes);
+    // Processes every complete frame in the receive buffer.
     void ProcessDataStream();
-    const CorvaneFUN26 &ResolveFunction26(const std::optional<CorvaneFUN26> &function);
+    // Makes record the current record.
+    CorvaneFUN26 &ResolveFunction26(const CorvaneFUN26 &record);
     void AddAlarmItems(qint32 cycleCount, qint32 alarmBits, const AlarmTable &alarmTexts);
     void InitializeDatasets();
     void AddDataset(qint32 number, const QString &name, const QString &unit);
@@ -106,10 +113,11 @@ public:
     // Equipment link.
     QString GetSocketState() const;
     void Timer1_Timer();
-    void Winsock1_Connect() override;
-    void Winsock1_DataArrival(qint64 bytesTotal) override;
-    void Winsock1_Error(qint32 number, const QString &description, qint32 statusCode) override;
-    void MSComm1_OnComm() override;
+    void Winsock1_Connect();
+    void Winsock1_Close();
+    void Winsock1_DataArrival(const QByteArray &bytes);
+    void Winsock1_Error(qint32 number, const QString &description, qint32 statusCode);
+    void MSComm1_OnComm(const QByteArray &bytes);
     bool timerActive() const { return m_timer.isActive(); }
 
     // Simulated data.
@@ -129,13 +137,20 @@ signals:
     void connectionProblemChanged(bool problem);
     void displayItemsEnabledChanged(bool enabled);
     void alarmsChanged();
+    // A weld record was decoded and processed (after the simulated values in debug mode).
     void weldProcessed(const CorvaneFUN26 &record);
+    void linkStateChanged(LinkState state);
 
 private:
     void ProcessRecord(CorvaneFUN26 &record);
+    // Processes at most `limit` records; true when it stopped at the limit.
+    bool drainRecords(qsizetype limit);
+    void receiveArrival(const char *location, const QByteArray &bytes);
+    void drainBacklog();
+    void connectLink();
     void InitializeDataLogging();
-    void showConnectionLabel(const QString &label) override;
-    void showConnectionProblem(bool problem) override;
+    void showConnectionLabel(const QString &label);
+    void showConnectionProblem(bool problem);
     void startCollection();
     void stopCollection();
     void appendToDataLog(const CorvaneFUN26 &record);
@@ -147,6 +162,7 @@ private:
     qlxLanguage m_defaultLanguage;
     const qlxLanguage *m_language = &m_defaultLanguage;
     RegionalFormat m_format;
+    RecordFormatter m_recordText{m_format};
 
     MonitorConfiguration m_configuration;
     // The document of the last element GetXMLNode built, kept so that the element has
@@ -156,7 +172,10 @@ private:
     std::unique_ptr<EquipmentLink> m_link;
     std::unique_ptr<DataLog> m_dataLog;
     std::unique_ptr<WeldSimulator> m_simulator;
+    LinkEventLog m_linkEvents;
     QTimer m_timer;
+    // Continues a backlog of frames after the event loop has had its turn.
+    QTimer m_backlogTimer;
 
     ReceiveBuffer m_receiveBuffer;
     std::optional<CorvaneFUN26> m_currentRecord;

@@ -14,6 +14,8 @@
 #include "protocol/CorvaneUSWSupport.h"
 #include "protocol/FrameSync.h"
 
+using FrameScanner::FrameStatus;
+
 #include <limits>
 
 namespace {
@@ -69,6 +71,10 @@ constexpr AlarmGroup kListedGroups[] = {AlarmGroup::CycleModified, AlarmGroup::E
                                         AlarmGroup::SuspectPart};
 
 constexpr char kProcessDataStream[] = "CorvaneUsw.ProcessDataStream";
+
+// Frames one pass over an arrival takes before the event loop gets its turn again: a
+// few milliseconds of work with a data log.
+constexpr qsizetype kRecordsPerPass = 256;
 
 } // namespace
 
@@ -133,40 +139,68 @@ void EquipmentMonitor::receiveBytes(QByteArrayView bytes)
 
 void EquipmentMonitor::ProcessDataStream()
 {
-    reportFailures(m_services.errors, kProcessDataStream, [&] {
-        const CorvaneParser parser(m_services.measurementSystem, m_services.clock);
-        for (;;) {
-            std::optional<CorvaneFUN26> function;
-            try {
-                function = parser.GetFunction(m_receiveBuffer);
-            } catch (ProgramError &error) {
-                // A corrupted frame: report it once, step past its frame start and go on
-                // with what follows, so one bad frame never stops the link.
-                error.addSource(QLatin1String(kProcessDataStream));
-                m_services.errors.Show(QLatin1String(kProcessDataStream), error.number(),
-                                       error.description(), error.source());
-                FrameSync::dropBadFrameStart(m_receiveBuffer);
-                FrameSync::discardUnframedLead(m_receiveBuffer);
-                continue;
-            }
-            // No complete frame left, or a frame of another function: this arrival is done.
-            if (!function)
-                return;
-            ResolveFunction26(function);
-            ProcessRecord(*m_currentRecord);
+    reportFailures(m_services.errors, kProcessDataStream,
+                   [&] { drainRecords(std::numeric_limits<qsizetype>::max()); });
+}
+
+bool EquipmentMonitor::drainRecords(qsizetype limit)
+{
+    const CorvaneParser parser(m_services.measurementSystem, m_services.clock);
+    CorvaneFUN26 record;
+    for (qsizetype taken = 0; taken < limit; ++taken) {
+        const FrameStatus status = parser.next(m_receiveBuffer, record);
+        switch (status) {
+        case FrameStatus::WeldRecord:
+            ProcessRecord(ResolveFunction26(record));
+            continue;
+        case FrameStatus::BadEndMarker:
+        case FrameStatus::EndBeforeBuffer: {
+            // A corrupted frame: report it once, step past its frame start and go on
+            // with what follows, so one bad frame never stops the link.
+            ProgramError error = CorvaneParser::frameError(status);
+            error.addSource(QLatin1String(kProcessDataStream));
+            m_services.errors.Show(QLatin1String(kProcessDataStream), error.number(),
+                                   error.description(), error.source());
+            FrameSync::dropBadFrameStart(m_receiveBuffer);
+            FrameSync::discardUnframedLead(m_receiveBuffer);
+            continue;
         }
+        case FrameStatus::NeedMoreBytes:
+        case FrameStatus::OtherFunction:
+            // No complete frame left, or a frame of another function: this arrival is done.
+            return false;
+        }
+    }
+    return true;
+}
+
+void EquipmentMonitor::receiveArrival(const char *location, const QByteArray &bytes)
+{
+    reportFailures(m_services.errors, location, [&] {
+        receiveBytes(bytes);
+        if (!m_backlogTimer.isActive())
+            drainBacklog();
     });
 }
 
-const CorvaneFUN26 &EquipmentMonitor::ResolveFunction26(const std::optional<CorvaneFUN26> &function)
+void EquipmentMonitor::drainBacklog()
 {
-    return passOn("CorvaneUsw.ResolveFunction26", [&]() -> const CorvaneFUN26 & {
-        if (!function)
-            throw ProgramError(ProgramError::kTypeMismatch, QStringLiteral("Type mismatch"),
-                               QStringLiteral("CorvaneUsw.ResolveFunction26"));
-        m_currentRecord = *function;
-        return *m_currentRecord;
+    reportFailures(m_services.errors, kProcessDataStream, [&] {
+        // A link that floods must not keep the event loop to itself: one pass takes a
+        // bounded number of frames, and the rest waits until the timers have had their
+        // turn. Meanwhile the link is paused, so that the sender is held back instead of
+        // the backlog growing without bound.
+        const bool more = drainRecords(kRecordsPerPass);
+        m_link->setPaused(more);
+        if (more)
+            m_backlogTimer.start();
     });
+}
+
+CorvaneFUN26 &EquipmentMonitor::ResolveFunction26(const CorvaneFUN26 &record)
+{
+    m_currentRecord = record;
+    return *m_currentRecord;
 }
 
 void EquipmentMonitor::ProcessRecord(CorvaneFUN26 &record)
@@ -225,38 +259,39 @@ void EquipmentMonitor::Timer1_Timer()
 
 void EquipmentMonitor::Winsock1_Connect()
 {
-    reportFailures(m_services.errors, "CorvaneUsw.Winsock1_Connect",
-                   [&] { m_link->Winsock1_Connect(); });
+    reportFailures(m_services.errors, "CorvaneUsw.Winsock1_Connect", [&] {
+        NotifyStarted();
+        m_linkEvents.restored();
+    });
 }
 
-void EquipmentMonitor::Winsock1_DataArrival(qint64 bytesTotal)
+void EquipmentMonitor::Winsock1_Close()
 {
-    Q_UNUSED(bytesTotal) // everything that arrived is read, however the events were counted
-    reportFailures(m_services.errors, "CorvaneUsw.Winsock1_DataArrival", [&] {
-        receiveBytes(m_link->readSocket());
-        ProcessDataStream();
+    reportFailures(m_services.errors, "CorvaneUsw.Winsock1_Close", [&] {
+        // The power supply closing a TCP connection is left to the timer's reconnect
+        // rules; a serial device that went away is shown and logged here.
+        if (!m_link->serialPortLost())
+            return;
+        showConnectionLabel(GetSocketState());
+        showConnectionProblem(true);
+        m_linkEvents.serialLost();
     });
+}
+
+void EquipmentMonitor::Winsock1_DataArrival(const QByteArray &bytes)
+{
+    receiveArrival("CorvaneUsw.Winsock1_DataArrival", bytes);
 }
 
 void EquipmentMonitor::Winsock1_Error(qint32 number, const QString &description, qint32 statusCode)
 {
-    reportFailures(m_services.errors, "CorvaneUsw.Winsock1_Error", [&] {
-        m_services.eventLog.WriteEventLog(QStringLiteral("Main"), QStringLiteral("WinSockError"),
-                                          number, description,
-                                          QStringLiteral("SCODE: ") + QString::number(statusCode));
-    });
+    reportFailures(m_services.errors, "CorvaneUsw.Winsock1_Error",
+                   [&] { m_linkEvents.socketError(number, description, statusCode); });
 }
 
-void EquipmentMonitor::MSComm1_OnComm()
+void EquipmentMonitor::MSComm1_OnComm(const QByteArray &bytes)
 {
-    // The port signals a receive event; bytes waiting would suffice as well.
-    reportFailures(m_services.errors, "CorvaneUsw.MSComm1_OnComm", [&] {
-        const QByteArray bytes = m_link->readSerialPort();
-        if (bytes.isEmpty())
-            return;
-        receiveBytes(bytes);
-        ProcessDataStream();
-    });
+    receiveArrival("CorvaneUsw.MSComm1_OnComm", bytes);
 }
 
 // ---- Simulated data ------------------------------------------------------------------

@@ -266,6 +266,8 @@ void QtSerialPort::onErrorOccurred(QSerialPort::SerialPortError)
     // The error as it stands now, not as it was queued: a port reopened since then has
     // cleared it and must stay open.
     const QSerialPort::SerialPortError error = m_port.error();
-    if (error == QSerialPort::ResourceError || error == QSerialPort::ReadError)
+    if ((error == QSerialPort::ResourceError || error == QSerialPort::ReadError) && isOpen()) {
         close();
+        emit lost();
+    }
 }

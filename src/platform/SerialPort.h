@@ -11,10 +11,10 @@ struct SerialSettings
     // or a device path (/dev/ttyUSB0, a pseudo-terminal) taken as it stands.
     QString port;
     qint32 baudRate = 9600;
-    QChar parity = u'N';             // N, O, E, M or S
-    int dataBits = 8;                // 4 to 8
+    QChar parity = u'N';                    // N, O, E, M or S
+    int dataBits = 8;                       // 4 to 8
     QString stopBits = QStringLiteral("1"); // "1", "1.5" or "2"
-    int handshaking = 0;             // 0 none, 1 XON/XOFF, 2 CTS/RTS, 3 both
+    int handshaking = 0;                    // 0 none, 1 XON/XOFF, 2 CTS/RTS, 3 both
 };
 
 // A serial port as the monitor's link and the test console see it: binary input, an
@@ -36,4 +36,6 @@ public:
 
 signals:
     void received();
+    // The device of an open port went away (a USB adapter pulled out); the port is closed.
+    void lost();
 };

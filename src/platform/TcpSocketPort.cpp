@@ -1,5 +1,7 @@
 #include "TcpSocketPort.h"
 
+#include <QRandomGenerator>
+
 TcpSocketPort::TcpSocketPort(QObject *parent)
     : SocketPort(parent)
 {
@@ -8,6 +10,9 @@ TcpSocketPort::TcpSocketPort(QObject *parent)
             [this] { emit dataArrival(m_socket.bytesAvailable()); });
     connect(&m_socket, &QTcpSocket::errorOccurred, this, &TcpSocketPort::onErrorOccurred);
     connect(&m_socket, &QTcpSocket::disconnected, this, &TcpSocketPort::onDisconnected);
+    // What the monitor has not taken yet stays with the system, whose flow control then
+    // holds back a power supply that sends faster than the monitor keeps up.
+    m_socket.setReadBufferSize(kReadBufferBytes);
     m_failureHold.setSingleShot(true);
     connect(&m_failureHold, &QTimer::timeout, this, &TcpSocketPort::reportFailure);
 }
@@ -99,12 +104,15 @@ void TcpSocketPort::onErrorOccurred(QAbstractSocket::SocketError error)
         return;
     m_failure = error;
     m_failureText = m_socket.errorString();
-    const bool duringAttempt = m_ending == Ending::None && m_attemptStarted.isValid()
-        && m_socket.state() != QAbstractSocket::ConnectedState;
+    const bool duringAttempt = m_ending == Ending::None && m_attemptStarted.isValid() &&
+                               m_socket.state() != QAbstractSocket::ConnectedState;
     const qint64 remaining = m_minimumAttemptMs - m_attemptStarted.elapsed();
     if (duringAttempt && remaining > 0) {
         m_ending = Ending::FailureHeldBack;
-        m_failureHold.start(int(remaining));
+        // Some jitter keeps the retries of a refused link out of step with a line that
+        // comes and goes at a fixed rhythm.
+        const int jitter = int(QRandomGenerator::global()->bounded(m_minimumAttemptMs / 2 + 1));
+        m_failureHold.start(int(remaining) + jitter);
         return;
     }
     reportFailure();
@@ -113,7 +121,9 @@ void TcpSocketPort::onErrorOccurred(QAbstractSocket::SocketError error)
 void TcpSocketPort::reportFailure()
 {
     m_ending = Ending::Failed;
-    emit errorOccurred(errorNumber(m_failure), m_failureText, qint32(m_failure));
+    const qint32 number = errorNumber(m_failure);
+    // The status code is the number's own: 10061 for a refused connection.
+    emit errorOccurred(number, m_failureText, number);
 }
 
 void TcpSocketPort::onDisconnected()

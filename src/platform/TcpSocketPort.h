@@ -18,11 +18,11 @@
 //   an error, but the link must still notice it and reconnect.
 // - close() from any state drops the connection at once and leaves state 0.
 // - A connect attempt that fails is reported no sooner than kMinimumAttemptMs after it
-//   began, and shows 6 (connecting) until then. The link's timer reconnects a socket in
-//   state 9 on its next 100 ms tick; where the system refuses a connection at once (a
-//   power supply switched off over a weekend), that would write ten event-log lines a
-//   second. Holding the failure back paces retries to about one an attempt-time, as a
-//   stack that retries its SYN before giving up does.
+//   began (plus up to half as long again, at random), and shows 6 (connecting) until then. The
+//   link's timer reconnects a socket in state 9 on its next 100 ms tick; where the system refuses a
+//   connection at once (a power supply switched off over a weekend), that would write ten event-log
+//   lines a second. Holding the failure back paces retries to about one an attempt-time, as a stack
+//   that retries its SYN before giving up does.
 class TcpSocketPort : public SocketPort
 {
     Q_OBJECT
@@ -39,6 +39,7 @@ public:
     quint16 remotePort() const override;
 
     static constexpr int kMinimumAttemptMs = 2000;
+    static constexpr qint64 kReadBufferBytes = 1 << 20;
     // Tests that are not about pacing may shorten the attempt time.
     void setMinimumAttemptTime(int ms) { m_minimumAttemptMs = ms; }
 

@@ -80,6 +80,10 @@ struct Function26Scale
     static Function26Scale forSystem(MeasurementSystem system);
 };
 
+// Decodes the 116 data bytes at data, which the caller has checked are all there.
+void decodeFunction26(const uchar *data, const Function26Scale &scale,
+                      const QDateTime &acquiredTime, CorvaneFUN26 &record);
+
 namespace CorvaneUSWSupport {
 
 // Decodes the 116 data bytes at pos (a frame's offset 6) in the given unit system,

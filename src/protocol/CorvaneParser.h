@@ -1,32 +1,42 @@
 #pragma once
 
 #include "CorvaneFUN26.h"
+#include "FrameScanner.h"
 #include "ReceiveBuffer.h"
 
 #include "platform/MeasurementSystem.h"
+#include "platform/ProgramError.h"
 
 #include <optional>
 
 class Clock;
 
-// Cuts one frame at a time from the head of a receive buffer:
+// Cuts one frame at a time from the head of a receive buffer (see FrameScanner for the
+// framing). Function 26 frames are decoded into a weld record stamped from the clock;
+// frames of other functions are skipped whole. The parser keeps no state: the buffer
+// carries everything from one arrival to the next.
 //
-//   DLE STX | length L (16 bit) | function (16 bit) | data (L - 2 bytes) | DLE ETX
-//
-// Function 26 frames are always 124 bytes (their length field is not read) and are
-// decoded into a weld record; frames of other functions are skipped whole. A frame is
-// taken only once at least one more byte has arrived behind its ETX. The parser keeps
-// no state: the buffer carries everything from one arrival to the next.
+// next() is the receiving side's way through: it returns what it found and never
+// throws. GetFunction and ProcessBlock wrap it for callers that want a bad end marker
+// raised as "Unable to resolve End of Transmission".
 class CorvaneParser
 {
 public:
-    static constexpr qint16 kWeldRecordFunction = 26;
-    static constexpr qint16 kWeldRecordLength = 118;
-    static constexpr quint8 DLE = 0x10;
-    static constexpr quint8 STX = 0x02;
-    static constexpr quint8 ETX = 0x03;
+    static constexpr qint16 kWeldRecordFunction = FrameScanner::kWeldRecordFunction;
+    static constexpr qint16 kWeldRecordLength = FrameScanner::kWeldRecordLength;
+    static constexpr quint8 DLE = FrameScanner::DLE;
+    static constexpr quint8 STX = FrameScanner::STX;
+    static constexpr quint8 ETX = FrameScanner::ETX;
 
     CorvaneParser(MeasurementSystem system, const Clock &clock);
+
+    // Takes the first complete frame from the buffer together with every byte in front
+    // of it, decoding a weld record into `record`. A bad frame leaves the buffer as it
+    // is, as does a frame that is not complete yet.
+    FrameScanner::FrameStatus next(ReceiveBuffer &buffer, CorvaneFUN26 &record) const;
+
+    // The failure that GetFunction raises for a bad frame status, as it leaves it.
+    static ProgramError frameError(FrameScanner::FrameStatus status);
 
     // The record of the first complete Function 26 frame, removing it and every byte in
     // front of it from the buffer; nothing when no complete frame is there, or when the
@@ -41,5 +51,6 @@ public:
 
 private:
     MeasurementSystem m_system;
+    Function26Scale m_scale;
     const Clock &m_clock;
 };

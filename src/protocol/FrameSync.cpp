@@ -1,16 +1,21 @@
 #include "FrameSync.h"
 
-#include "CorvaneParser.h"
+#include "FrameScanner.h"
+
+#include <cstring>
 
 namespace FrameSync {
 
 qsizetype firstFrameStart(QByteArrayView bytes)
 {
     const qsizetype size = bytes.size();
+    const char *const begin = bytes.data();
     for (qsizetype i = 0; i < size; ++i) {
-        if (quint8(bytes[i]) != CorvaneParser::DLE)
-            continue;
-        if (i + 1 == size || quint8(bytes[i + 1]) == CorvaneParser::STX)
+        const void *dle = std::memchr(begin + i, FrameScanner::DLE, size_t(size - i));
+        if (!dle)
+            break;
+        i = static_cast<const char *>(dle) - begin;
+        if (i + 1 == size || quint8(begin[i + 1]) == FrameScanner::STX)
             return i;
     }
     return size;

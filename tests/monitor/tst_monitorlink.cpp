@@ -295,9 +295,11 @@ private slots:
         const QStringList lines = f.eventLogLines();
         QCOMPARE(lines.size(), 2);
         QCOMPARE(lines.at(0).section(u'\t', 1),
-                 QStringLiteral("Main\tWinSockError\t10061\tConnection refused\tSCODE: 111"));
+                 QStringLiteral("Line 4 (IP:192.0.2.5:3001)\tWinSockError\t10061\tConnection "
+                                "refused\tSCODE: 111"));
         QCOMPARE(lines.at(1).section(u'\t', 1),
-                 QStringLiteral("Main\tWinSockError\t10060\tTimed\tout\tSCODE: -3"));
+                 QStringLiteral(
+                     "Line 4 (IP:192.0.2.5:3001)\tWinSockError\t10060\tTimed\tout\tSCODE: -3"));
     }
 
     void timerRunsFromInitialize()

@@ -144,7 +144,7 @@ private slots:
         QCOMPARE(errors.count(), 1);
         QCOMPARE(errors.at(0).at(0).toInt(), 10061);
         QVERIFY(!errors.at(0).at(1).toString().isEmpty());
-        QCOMPARE(errors.at(0).at(2).toInt(), int(QAbstractSocket::ConnectionRefusedError));
+        QCOMPARE(errors.at(0).at(2).toInt(), 10061);
         QCOMPARE(port.state(), int(SocketPort::Error));
         QTest::qWait(50);
         QCOMPARE(port.state(), int(SocketPort::Error));
@@ -231,7 +231,7 @@ private slots:
         // not answer at all leaves nothing to test here.
         if (!errors.wait(kWaitMs * 4))
             QSKIP("the name resolver did not answer");
-        QCOMPARE(errors.at(0).at(2).toInt(), int(QAbstractSocket::HostNotFoundError));
+        QCOMPARE(errors.at(0).at(2).toInt(), 11001);
         QCOMPARE(errors.at(0).at(0).toInt(), 11001);
         QCOMPARE(port.state(), int(SocketPort::Error));
         QCOMPARE(port.remoteHost(), QStringLiteral("no-such-welder.invalid"));

@@ -54,6 +54,22 @@ public:
     {
         return fail(), QList<qlaDatabase6::StoredValue>();
     }
+    bool hasSubgroup(const qlaDatabase6::SubgroupHeader &) override { return fail(); }
+    qlaDatabase6::ControlLimitRecord controlLimits(const QString &, const QString &,
+                                                   const QString &) override
+    {
+        return fail(), qlaDatabase6::ControlLimitRecord();
+    }
+    void freezeControlLimits(const qlaDatabase6::ControlLimitRecord &) override { fail(); }
+    QList<qlaDatabase6::ControlLimitRecord> listControlLimits() override
+    {
+        return fail(), QList<qlaDatabase6::ControlLimitRecord>();
+    }
+    QList<qlaDatabase6::ControlLimitRecord> controlLimitHistory(const QString &, const QString &,
+                                                                const QString &) override
+    {
+        return fail(), QList<qlaDatabase6::ControlLimitRecord>();
+    }
 
     mutable int calls = 0;
     int nameChanges = 0;

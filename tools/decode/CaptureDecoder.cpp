@@ -5,14 +5,14 @@
 #include "protocol/FrameSync.h"
 
 using namespace CorvaneUSWSupport;
+using FrameScanner::FrameStatus;
 
 CaptureDecoder::CaptureDecoder(MeasurementSystem system, const Clock &clock, LineSink records,
                                LineSink problems)
     : m_parser(system, clock)
     , m_records(std::move(records))
     , m_problems(std::move(problems))
-{
-}
+{}
 
 QString CaptureDecoder::headerLine() const
 {
@@ -28,22 +28,29 @@ void CaptureDecoder::feed(QByteArrayView piece)
 void CaptureDecoder::drain()
 {
     for (;;) {
-        const qint32 before = ByteCount(m_buffer);
         const qsizetype lead = FrameSync::firstFrameStart(m_buffer.view());
         m_buffer.removeLeading(lead);
         m_offset += lead;
-        try {
-            const std::optional<CorvaneFUN26> record = m_parser.GetFunction(m_buffer);
-            m_offset += before - lead - ByteCount(m_buffer);
-            if (!record)
-                return;
+        const qsizetype before = m_buffer.size();
+        const FrameStatus status = m_parser.next(m_buffer, m_record);
+        m_offset += before - m_buffer.size();
+        switch (status) {
+        case FrameStatus::WeldRecord:
             ++m_recordCount;
-            m_records(record->Record(m_format));
-        } catch (const ProgramError &error) {
+            m_records(m_recordText.format(m_record));
+            continue;
+        case FrameStatus::BadEndMarker:
+        case FrameStatus::EndBeforeBuffer: {
+            const ProgramError error = CorvaneParser::frameError(status);
             report(QStringLiteral("bad frame at byte %1: %2 (%3)")
                        .arg(m_offset)
                        .arg(error.description(), error.source()));
             m_offset += FrameSync::dropBadFrameStart(m_buffer);
+            continue;
+        }
+        case FrameStatus::NeedMoreBytes:
+        case FrameStatus::OtherFunction:
+            return;
         }
     }
 }

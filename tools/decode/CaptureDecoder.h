@@ -5,6 +5,7 @@
 #include "platform/qlxLanguage.h"
 #include "protocol/CorvaneParser.h"
 #include "protocol/ReceiveBuffer.h"
+#include "protocol/RecordFormatter.h"
 
 #include <QStringList>
 
@@ -41,8 +42,10 @@ private:
 
     qlxLanguage m_language;
     RegionalFormat m_format;
+    RecordFormatter m_recordText{m_format};
     CorvaneParser m_parser;
     ReceiveBuffer m_buffer;
+    CorvaneFUN26 m_record;
     LineSink m_records;
     LineSink m_problems;
     qint64 m_offset = 0; // stream offset of the buffer's first byte

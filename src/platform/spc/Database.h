@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ControlLimitRecord.h"
 #include "Records.h"
 #include "Subgroup.h"
 
@@ -23,12 +24,15 @@ struct StoredValue
     QString text;
 };
 
-// Which subgroups a report covers; empty texts and an invalid time cover all.
+// Which subgroups a report covers; empty texts and invalid times cover all. With a test
+// item, only that item's values are reported.
 struct SubgroupFilter
 {
     QString part;
     QString process;
     QDateTime since;
+    QDateTime until;
+    QString testItem;
 };
 
 // A monitor's connection to the SPC database. It carries the data source name and the
@@ -76,6 +80,20 @@ public:
     // Every stored value of the subgroups the filter covers, oldest subgroup first,
     // test items in the order they were added, values by sample number.
     virtual QList<StoredValue> subgroupValues(const SubgroupFilter &filter) = 0;
+
+    // Whether a subgroup with this date-time, part, process and source tag is stored.
+    virtual bool hasSubgroup(const SubgroupHeader &header) = 0;
+
+    // The limits frozen for a part, process and test; an empty chart type when none.
+    virtual ControlLimitRecord controlLimits(const QString &part, const QString &process,
+                                             const QString &test) = 0;
+    // Freezes limits, moving those they replace into the history, in one transaction.
+    virtual void freezeControlLimits(const ControlLimitRecord &limits) = 0;
+    // The frozen limits of every characteristic, by part, process and test.
+    virtual QList<ControlLimitRecord> listControlLimits() = 0;
+    // Limits replaced earlier for a part, process and test, oldest first.
+    virtual QList<ControlLimitRecord>
+    controlLimitHistory(const QString &part, const QString &process, const QString &test) = 0;
 
 signals:
     void connected();

@@ -49,6 +49,22 @@ const char *const kVersion2[] = {
     "CREATE INDEX sample_values_by_item ON sample_values (test_item_id, sample_number)",
 };
 
+// Version 3: control limits frozen per part, process and test, and the limits they
+// replaced. Kept by name, like the subgroups they are measured against.
+const char *const kVersion3[] = {
+    "CREATE TABLE control_limits (part VARCHAR(255) NOT NULL, process VARCHAR(255) NOT NULL,"
+    " test VARCHAR(255) NOT NULL, chart_type VARCHAR(16) NOT NULL,"
+    " centre_line {REAL} NOT NULL, sigma {REAL} NOT NULL,"
+    " baseline_from {TIME}, baseline_until {TIME}, baseline_subgroups INTEGER NOT NULL,"
+    " frozen_at {TIME} NOT NULL, PRIMARY KEY (part, process, test))",
+    "CREATE TABLE control_limits_history (id {ID}, part VARCHAR(255) NOT NULL,"
+    " process VARCHAR(255) NOT NULL, test VARCHAR(255) NOT NULL,"
+    " chart_type VARCHAR(16) NOT NULL, centre_line {REAL} NOT NULL, sigma {REAL} NOT NULL,"
+    " baseline_from {TIME}, baseline_until {TIME}, baseline_subgroups INTEGER NOT NULL,"
+    " frozen_at {TIME} NOT NULL, replaced_at {TIME} NOT NULL)",
+    "CREATE INDEX subgroups_by_identity ON subgroups (sample_time, part, process, source_tag)",
+};
+
 struct Step
 {
     const char *const *begin;
@@ -58,6 +74,7 @@ struct Step
 const Step kSteps[] = {
     {std::begin(kVersion1), std::end(kVersion1)},
     {std::begin(kVersion2), std::end(kVersion2)},
+    {std::begin(kVersion3), std::end(kVersion3)},
 };
 
 // Column types differ between the servers; dates are kept as ISO 8601 text in the

@@ -46,6 +46,13 @@ public:
     void setSpecLimit(const SpecLimit &limit) override;
     bool clearSpecLimit(qint64 partId, qint64 testId) override;
     QList<StoredValue> subgroupValues(const SubgroupFilter &filter) override;
+    bool hasSubgroup(const SubgroupHeader &header) override;
+    ControlLimitRecord controlLimits(const QString &part, const QString &process,
+                                     const QString &test) override;
+    void freezeControlLimits(const ControlLimitRecord &limits) override;
+    QList<ControlLimitRecord> listControlLimits() override;
+    QList<ControlLimitRecord> controlLimitHistory(const QString &part, const QString &process,
+                                                  const QString &test) override;
 
     // The name of this object's Qt SQL connection.
     const QString &connectionName() const { return m_connectionName; }

@@ -213,6 +213,14 @@ QList<StoredValue> SqlDatabase::subgroupValues(const SubgroupFilter &filter)
             statement += QStringLiteral(" AND s.sample_time >= ?");
             values.append(tables::timeText(filter.since));
         }
+        if (filter.until.isValid()) {
+            statement += QStringLiteral(" AND s.sample_time <= ?");
+            values.append(tables::timeText(filter.until));
+        }
+        if (!filter.testItem.isEmpty()) {
+            statement += QStringLiteral(" AND i.name = ?");
+            values.append(filter.testItem);
+        }
         statement += QStringLiteral(" ORDER BY s.sample_time, s.id, i.item_order,"
                                     " v.sample_number, v.id");
         QSqlQuery query = sql::execute(m_database, statement, values, "SqlDatabase.subgroupValues");

@@ -104,7 +104,7 @@ private slots:
         };
         ToolRun result = run({"init"});
         QCOMPARE(result.exitCode, 0);
-        QCOMPARE(result.out, QStringLiteral("schema version 2\n"));
+        QCOMPARE(result.out, QStringLiteral("schema version 3\n"));
         for (const QStringList &command :
              QList<QStringList>{{"add-group", "Line 3"},
                                 {"add-part", "Housing, left", "--group", "Line 3"},

@@ -1,0 +1,3 @@
+#include "MonitorLogging.h"
+
+Q_LOGGING_CATEGORY(lcMonitor, "corvane.monitor", QtWarningMsg)
