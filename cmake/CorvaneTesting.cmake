@@ -43,7 +43,7 @@ set(CORVANE_WINE_PREFIX ${CMAKE_BINARY_DIR}/wine)
 # widget suites draw the same on every platform and cost the most to link).
 set(CORVANE_WINE_SUITES
     tst_corvaneparser tst_corvanefun26 tst_alarmcodes
-    tst_dataset tst_numberpicture tst_meterlayout
+    tst_dataset tst_numberpicture tst_meterlayout tst_capability tst_controlchart
     tst_monitorstream tst_monitorlink tst_monitorconfig tst_monitortransport
     tst_conventions tst_socketport tst_spcdatasource tst_spcdatabase
     tst_databasesupport tst_samplingproperties tst_samplecollection

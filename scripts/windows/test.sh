@@ -10,7 +10,7 @@ jobs=${1:-$(nproc)}
 build=build/windows-mingw
 export WINEPREFIX=$PWD/$build/wine WINEDEBUG=-all
 
-cmake --preset windows-mingw -DCORVANE_HOST_SIM="$PWD/build/ci/corvane-sim" >/dev/null
+cmake --preset windows-mingw -DCORVANE_HOST_SIM="$PWD/build/ci/tools/sim/corvane-sim" >/dev/null
 cmake --build --preset windows-mingw -j "$jobs"
 
 # One wine server for the whole stage (each program start then costs well under a

@@ -46,12 +46,19 @@ def data_log_lines(path):
 
 
 class Console:
-    """The monitor on the slave side of a pseudo-terminal; reads what it prints."""
+    """The monitor with a pseudo-terminal as its console (its standard input, from which
+    wine's console reads Ctrl+C); what it prints goes to a file, as a service's log would,
+    unmangled by the console's screen handling."""
 
-    def __init__(self, argv, env):
+    def __init__(self, argv, env, printed):
+        self.printed = printed
+        out = os.open(printed, os.O_WRONLY | os.O_CREAT | os.O_TRUNC)
         self.pid, self.fd = pty.fork()
         if self.pid == 0:
+            os.dup2(out, 1)
+            os.dup2(out, 2)
             os.execvpe(argv[0], argv, env)
+        os.close(out)
         self.output = b""
 
     def read_for(self, seconds, until=lambda: False):
@@ -69,7 +76,8 @@ class Console:
         return until()
 
     def text(self):
-        return re.sub(rb"\x1b\[[0-9;?]*[A-Za-z]", b"", self.output).replace(b"\r", b"")
+        with open(self.printed, "rb") as printed:
+            return printed.read().replace(b"\r", b"")
 
     def exit_status(self, seconds):
         deadline = time.monotonic() + seconds
@@ -110,9 +118,10 @@ def main():
     env = dict(os.environ, WINEPREFIX=args.wine_prefix)
     for name in ("CORVANE_DATA_DIR", "CORVANE_SETTINGS_FILE"):
         env.pop(name, None)
-    console = Console([args.emulator, args.monitor, "--headless", "--verbose"], env)
+    console = Console([args.emulator, args.monitor, "--headless", "--verbose"], env,
+                      os.path.join(args.wine_prefix, "headless-run.txt"))
     try:
-        if not console.read_for(60, lambda: b"watching 1" in console.output):
+        if not console.read_for(60, lambda: b"watching 1" in console.text()):
             fail("the monitor did not start watching", console.text())
         if not console.read_for(30, lambda: len(data_log_lines(data_log)) == WELDS + 1):
             fail(f"{len(data_log_lines(data_log))} data log lines, not {WELDS + 1}",

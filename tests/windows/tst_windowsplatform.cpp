@@ -9,9 +9,11 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+// The Windows headers need windows.h first.
+#include <windows.h>
+
 #include <knownfolders.h>
 #include <shlobj.h>
-#include <windows.h>
 
 // The behaviour that only Windows has, on the real system calls and registry (under
 // wine on the build machine).
