@@ -25,6 +25,7 @@ function(corvane_add_test)
     if(CMAKE_CROSSCOMPILING)
         # One wine prefix per build tree: its registry and C: drive are the suites' own.
         list(APPEND environment "WINEPREFIX=${CORVANE_WINE_PREFIX}")
+        set_tests_properties(${ARG_NAME} PROPERTIES FIXTURES_REQUIRED wine_prefix)
     endif()
     set_tests_properties(${ARG_NAME} PROPERTIES
         TIMEOUT ${ARG_TIMEOUT}

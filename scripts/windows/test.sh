@@ -13,11 +13,10 @@ export WINEPREFIX=$PWD/$build/wine WINEDEBUG=-all
 cmake --preset windows-mingw -DCORVANE_HOST_SIM="$PWD/build/ci/tools/sim/corvane-sim" >/dev/null
 cmake --build --preset windows-mingw -j "$jobs"
 
-# One wine server for the whole stage (each program start then costs well under a
-# second instead of about 2.5 s); the prefix is made before the suites race for it.
+# One wine server for the whole stage: each program start then costs well under a
+# second instead of about 2.5 s.
 /usr/lib/wine/wineserver -p
 trap '/usr/lib/wine/wineserver -k || true' EXIT
-/usr/lib/wine/wine64 wineboot --init >/dev/null 2>&1
 
 ctest --preset windows-mingw -j "$jobs"
 

@@ -3,6 +3,7 @@
 #include "SpcCommandLine.h"
 #include "SpcTool.h"
 
+#include "platform/BinaryStreams.h"
 #include "platform/ProgramError.h"
 #include "platform/ProgramFiles.h"
 #include "platform/spc/SqlDatabase.h"
@@ -32,6 +33,8 @@ int main(int argc, char *argv[])
 {
     QCoreApplication app(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("corvane-spc"));
+    // The same report and CSV bytes on every platform.
+    useBinaryStandardStreams();
 
     QString problem;
     const std::optional<SpcCommand> command =
