@@ -36,9 +36,23 @@ install(CODE "
         MODULES ${_corvane_plugins}
         DIRECTORIES ${CORVANE_RUNTIME_DLL_DIRS}
         PRE_EXCLUDE_REGEXES \"^api-ms-\" \"^ext-ms-\"
-        POST_INCLUDE_REGEXES \"^${_corvane_qt_prefix}/\" \"^/usr/\"
-        POST_EXCLUDE_REGEXES \".*\"
         RESOLVED_DEPENDENCIES_VAR dlls
-        UNRESOLVED_DEPENDENCIES_VAR system_dlls)
+        UNRESOLVED_DEPENDENCIES_VAR unresolved)
+    # The scan looks DLL names up in lower case, which finds Qt6Core.dll on no Linux
+    # file system; such names are matched here ignoring case. What is found nowhere is
+    # the system's own (kernel32.dll and the like).
+    foreach(name IN LISTS unresolved)
+        foreach(folder IN ITEMS ${CORVANE_RUNTIME_DLL_DIRS})
+            file(GLOB candidates \"\${folder}/*.dll\")
+            foreach(candidate IN LISTS candidates)
+                get_filename_component(file_name \"\${candidate}\" NAME)
+                string(TOLOWER \"\${file_name}\" lower)
+                if(lower STREQUAL name)
+                    list(APPEND dlls \"\${candidate}\")
+                endif()
+            endforeach()
+        endforeach()
+    endforeach()
+    list(REMOVE_DUPLICATES dlls)
     file(INSTALL \${dlls} DESTINATION \"\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_BINDIR}\")
 ")
