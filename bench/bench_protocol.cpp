@@ -1,5 +1,4 @@
-// How fast the receiving side keeps up with a welder link, and what the running
-// statistics of one characteristic cost in memory. The parser reads the system clock
+// How fast the receiving side keeps up with a welder link. The parser reads the system clock
 // for every record, as the monitor's parser does.
 
 #include "WeldGenerator.h"
@@ -9,13 +8,8 @@
 #include "protocol/CorvaneParser.h"
 #include "protocol/CorvaneUSWSupport.h"
 #include "protocol/Function26Frame.h"
-#include "stats/Dataset.h"
-
-#include "BenchSupport.h"
 
 #include <benchmark/benchmark.h>
-
-#include <malloc.h>
 
 using namespace CorvaneUSWSupport;
 
@@ -45,12 +39,6 @@ QByteArray burst(int count)
         bytes += frames[i % frames.size()];
     bytes += '\0';
     return bytes;
-}
-
-qint64 heapInUse()
-{
-    const struct mallinfo2 info = mallinfo2();
-    return qint64(info.uordblks + info.hblkhd);
 }
 
 } // namespace
@@ -134,29 +122,3 @@ void BM_DecodeWithRecordText(benchmark::State &state)
         double(kCount) * double(state.iterations()), benchmark::Counter::kIsRate);
 }
 BENCHMARK(BM_DecodeWithRecordText)->Unit(benchmark::kMillisecond);
-
-// The memory one characteristic holds after a long run: every value is kept for the
-// histogram and the summary.
-void BM_DatasetMemory(benchmark::State &state)
-{
-    constexpr int kValues = 1000000;
-    CountingErrorReport errors;
-    double bytesPerValue = 0;
-    double listBytesPerValue = 0;
-    for (auto _ : state) {
-        const qint64 before = heapInUse();
-        Dataset dataset(errors);
-        for (int i = 0; i < kValues; ++i)
-            dataset.AddValue(0.25 + (i % 1000) * 0.001);
-        bytesPerValue = double(heapInUse() - before) / kValues;
-        listBytesPerValue = double(dataset.storedValueBytes()) / kValues;
-        if (dataset.Count() != kValues || errors.count != 0)
-            state.SkipWithError("values were lost");
-        benchmark::DoNotOptimize(dataset.Average());
-    }
-    state.counters["bytes_per_value"] = bytesPerValue;
-    state.counters["list_bytes_per_value"] = listBytesPerValue;
-    state.counters["values_per_second"] = benchmark::Counter(
-        double(kValues) * double(state.iterations()), benchmark::Counter::kIsRate);
-}
-BENCHMARK(BM_DatasetMemory)->Unit(benchmark::kMillisecond);

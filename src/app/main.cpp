@@ -1,6 +1,7 @@
 // corvane-monitor: watches the power supplies of the configured welders and logs every
 // weld they report, in the main window or, with --headless, without one.
 
+#include "platform/ProgramFiles.h"
 #include "shell/HeadlessRunner.h"
 #include "shell/ShellSettings.h"
 #include "shell/window/DesktopProgram.h"
@@ -9,6 +10,7 @@
 #include "shell/window/StartupOptions.h"
 
 #include <QApplication>
+#include <QDir>
 
 #include <cstdio>
 #include <memory>
@@ -36,13 +38,20 @@ int main(int argc, char *argv[])
         return 0;
     }
 
-    // One instance per desktop: a later start hands over to the running one and ends
-    // without a window, a file read or a message.
+    // One instance per desktop and data folder: a later window start hands over to the
+    // running one and ends without a window, a file read or a message. A headless start
+    // is a service that was meant to run, so it says why it does not.
     const QString title = ShellSettings::applicationTitle(*ShellSettings::openSettingsStore());
-    SingleInstance instance(title);
+    const QString dataFolder = ProgramFiles::resolveDataFolder(options->program.dataFolder);
+    SingleInstance instance(title, dataFolder);
     if (!instance.acquire()) {
-        instance.activateRunningInstance();
-        return 0;
+        if (!headless) {
+            instance.activateRunningInstance();
+            return 0;
+        }
+        std::fprintf(stderr, "corvane-monitor: an instance already runs on the data folder %s.\n",
+                     qPrintable(QDir::toNativeSeparators(dataFolder)));
+        return 1;
     }
 
     if (!headless)

@@ -6,8 +6,9 @@
 #include <QFileDialog>
 #include <QFileInfo>
 
-FileDialogChooser::FileDialogChooser(MessageBoxes &messages)
+FileDialogChooser::FileDialogChooser(MessageBoxes &messages, QString fallbackFolder)
     : m_messages(messages)
+    , m_fallbackFolder(std::move(fallbackFolder))
 {}
 
 QString FileDialogChooser::chooseSaveFile(QWidget *parent, const SaveFileRequest &request)
@@ -17,12 +18,12 @@ QString FileDialogChooser::chooseSaveFile(QWidget *parent, const SaveFileRequest
     chooser.setFileMode(QFileDialog::AnyFile);
     chooser.setNameFilter(request.filter);
     chooser.setDefaultSuffix(request.defaultSuffix);
-    if (!request.startPath.isEmpty()) {
-        const QFileInfo start(request.startPath);
-        if (start.dir().exists())
-            chooser.setDirectory(start.dir());
+    chooser.setOption(QFileDialog::DontConfirmOverwrite);
+    const QFileInfo start(request.startPath);
+    const bool startFolderExists = start.isAbsolute() && start.dir().exists();
+    chooser.setDirectory(startFolderExists ? start.absolutePath() : m_fallbackFolder);
+    if (!request.startPath.isEmpty())
         chooser.selectFile(start.fileName());
-    }
     while (chooser.exec() == QDialog::Accepted) {
         const QStringList chosen = chooser.selectedFiles();
         if (chosen.isEmpty())

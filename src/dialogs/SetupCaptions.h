@@ -4,31 +4,31 @@
 
 #include <array>
 
-// Language tokens of the setup dialogs. Captions that have no number of their own yet
-// show their default text until the language tables give them one.
+// Language tokens of the setup dialogs. Captions that the welder maker's tables do not
+// number take numbers from 7100.
 namespace SetupCaptions {
 
 // Communications setup.
-inline constexpr QStringView kCommunicationsSetup = u"Communications Setup";
-inline constexpr QStringView kName = u"Name:";
-inline constexpr QStringView kCommunicationsType = u"Communications:";
+inline constexpr QStringView kCommunicationsSetup = u"7100|Communications Setup";
+inline constexpr QStringView kName = u"7101|Name:";
+inline constexpr QStringView kCommunicationsType = u"7102|Communications:";
 inline constexpr QStringView kSerialPort = u"6242|Serial Port";
 inline constexpr QStringView kEthernet = u"6040|Ethernet TCP/IP";
-inline constexpr QStringView kComPort = u"COM Port";
-inline constexpr QStringView kBaudRate = u"Baud Rate";
-inline constexpr QStringView kParity = u"Parity";
-inline constexpr QStringView kDataBits = u"Data Bits";
-inline constexpr QStringView kStopBits = u"Stop Bits";
-inline constexpr QStringView kFlowControl = u"Flow Control";
+inline constexpr QStringView kComPort = u"7103|COM Port";
+inline constexpr QStringView kBaudRate = u"7104|Baud Rate";
+inline constexpr QStringView kParity = u"7105|Parity";
+inline constexpr QStringView kDataBits = u"7106|Data Bits";
+inline constexpr QStringView kStopBits = u"7107|Stop Bits";
+inline constexpr QStringView kFlowControl = u"7108|Flow Control";
 inline constexpr QStringView kIPAddress = u"6041|IP Address";
 inline constexpr QStringView kIPPort = u"6042|IP Port";
-inline constexpr QStringView kTestConsole = u"Test Console";
-inline constexpr QStringView kRawData = u"&Raw Data";
-inline constexpr QStringView kCopy = u"C&opy";
-inline constexpr QStringView kClear = u"C&lear";
+inline constexpr QStringView kTestConsole = u"7109|Test Console";
+inline constexpr QStringView kRawData = u"7110|&Raw Data";
+inline constexpr QStringView kCopy = u"7111|C&opy";
+inline constexpr QStringView kClear = u"7112|C&lear";
 inline constexpr QStringView kErrorLog = u"3736|&View Log...";
-inline constexpr QStringView kOK = u"OK";
-inline constexpr QStringView kCancel = u"Cancel";
+inline constexpr QStringView kOK = u"7113|OK";
+inline constexpr QStringView kCancel = u"7114|Cancel";
 
 inline constexpr QStringView kParityNone = u"158|None";
 inline constexpr QStringView kParityOdd = u"3433|Odd";
@@ -95,9 +95,9 @@ inline constexpr std::array<QStringView, 37> kRecordFields = {
 
 // Data logging.
 inline constexpr QStringView kDataLogging = u"6335|Data Logging";
-inline constexpr QStringView kEnabled = u"&Enabled";
-inline constexpr QStringView kFile = u"File:";
-inline constexpr QStringView kSelect = u"&Select...";
+inline constexpr QStringView kEnabled = u"7120|&Enabled";
+inline constexpr QStringView kFile = u"7121|File:";
+inline constexpr QStringView kSelect = u"7122|&Select...";
 inline constexpr QStringView kTextFiles = u"1260|Text Files";
 inline constexpr QStringView kSpecifyFilename = u"1259|Specify Filename";
 inline constexpr QStringView kFileSize = u"939|File Size: ";

@@ -242,7 +242,10 @@ void dlgIPSetup::RefreshSettings(const QString &settings)
         if (kind == u"IP") {
             m_cmboCommunicationsType->setCurrentIndex(EthernetType);
             m_txtHost->setText(text.section(u':', 1, 1));
-            m_txtPort->setText(text.section(u':', 2, 2));
+            // A new welder has no port yet: an empty field rather than a "0" that the
+            // field's own check refuses.
+            const QString port = text.section(u':', 2, 2);
+            m_txtPort->setText(port == u"0" ? QString() : port);
         } else if (kind == u"COM") {
             m_cmboCommunicationsType->setCurrentIndex(SerialType);
             applySerialSettings(text.section(u':', 1));

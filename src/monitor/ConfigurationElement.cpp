@@ -4,6 +4,8 @@
 
 #include "platform/XMLSupport.h"
 
+#include <algorithm>
+
 using namespace XMLSupport;
 
 namespace ConfigurationElement {
@@ -33,6 +35,11 @@ QDomElement write(QDomDocument &document, const MonitorConfiguration &configurat
         root.appendChild(list);
         SetXMLAttribute(list, QStringLiteral("Index"), row);
         SetXMLAttribute(list, QStringLiteral("ItemData"), configuration.rows[row]);
+    }
+    if (configuration.alarmListHeight > 0) {
+        QDomElement display = document.createElement(QStringLiteral("Display"));
+        root.appendChild(display);
+        SetXMLAttribute(display, QStringLiteral("AlarmListHeight"), configuration.alarmListHeight);
     }
     return root;
 }
@@ -93,6 +100,9 @@ bool read(const QString &xml, MonitorConfiguration &configuration, SamplingSeam 
         const int characteristic = readInteger(list, QStringLiteral("ItemData"), 0);
         configuration.rows[row] = isCharacteristic(characteristic) ? characteristic : 0;
     }
+    const QDomElement display = root.firstChildElement(QStringLiteral("Display"));
+    configuration.alarmListHeight =
+        std::max(0, readInteger(display, QStringLiteral("AlarmListHeight"), 0));
     return true;
 }
 

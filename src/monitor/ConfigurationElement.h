@@ -23,14 +23,17 @@ struct MonitorConfiguration
     QString dataLogFile;
     // Characteristic number per display row, 0 when the row shows nothing.
     std::array<int, kRowCount> rows{};
+    // The height the engineer gave the alarms list, in pixels; 0 for the face's own.
+    int alarmListHeight = 0;
 };
 
 // The monitor's "Configuration" element of the configurations file.
 namespace ConfigurationElement {
 
 // Builds the element in document: Equipment (Name, Settings), DataLogging (Enable
-// "1"/"0", File), the sampling object's "Sampling" element when it writes one, and one
-// List (Index, ItemData) per display row in row order.
+// "1"/"0", File), the sampling object's "Sampling" element when it writes one, one
+// List (Index, ItemData) per display row in row order, and Display (AlarmListHeight) once
+// the alarms list has been given a height.
 QDomElement write(QDomDocument &document, const MonitorConfiguration &configuration,
                   SamplingSeam &sampling);
 

@@ -10,6 +10,8 @@
 
 #include <QUuid>
 
+#include <algorithm>
+
 EquipmentMonitor::EquipmentMonitor(MonitorServices services, QObject *parent)
     : QObject(parent)
     , m_services(std::move(services))
@@ -23,7 +25,11 @@ EquipmentMonitor::EquipmentMonitor(MonitorServices services, QObject *parent)
                                              m_services.makeSerialPort);
     connectLink();
     m_dataLog = std::make_unique<DataLog>(m_services.eventLog, m_services.errors);
-    m_simulator = std::make_unique<WeldSimulator>(m_services.randomSeed);
+    m_simulator = m_services.simulator;
+    if (!m_simulator) {
+        m_ownSimulator = std::make_unique<WeldSimulator>();
+        m_simulator = m_ownSimulator.get();
+    }
 
     m_timer.setInterval(kTimerIntervalMs);
     connect(&m_timer, &QTimer::timeout, this, &EquipmentMonitor::Timer1_Timer);
@@ -222,7 +228,12 @@ bool EquipmentMonitor::Load(const QString &xml)
         const auto isCharacteristic = [](int number) {
             return number >= 1 && number <= kCharacteristicCount;
         };
-        if (ConfigurationElement::read(xml, configuration, *m_sampling, isCharacteristic)) {
+        // A new welder shows all eight characteristics in their usual order; the
+        // engineer takes out what the cell does not need.
+        if (xml.isEmpty()) {
+            for (int row = 0; row < kRowCount; ++row)
+                m_configuration.rows[row] = row + 1;
+        } else if (ConfigurationElement::read(xml, configuration, *m_sampling, isCharacteristic)) {
             m_configuration = configuration;
             m_link->setAddress(m_configuration.address);
             m_linkEvents.setLink(m_configuration.name, m_configuration.address);
@@ -268,6 +279,14 @@ void EquipmentMonitor::setRowSelection(int row, int characteristic)
     const bool known = characteristic >= 1 && characteristic <= kCharacteristicCount;
     m_configuration.rows[row] = known ? characteristic : 0;
     RefreshDisplay();
+}
+
+bool EquipmentMonitor::lastWeldOutOfSpecification() const
+{
+    return m_totalWelds > 0 &&
+           std::any_of(m_datasets.begin(), m_datasets.end(), [](const auto &dataset) {
+               return dataset->HasSL() && dataset->ExceedsSpecifications();
+           });
 }
 
 QList<QPair<QString, qint32>> EquipmentMonitor::LoadTests() const

@@ -22,6 +22,7 @@
 #include <QString>
 #include <QTimer>
 
+#include <algorithm>
 #include <array>
 #include <memory>
 #include <optional>
@@ -74,11 +75,17 @@ public:
     bool Load(const QString &xml);
     QDomElement GetXMLNode() const;
     const MonitorConfiguration &configuration() const { return m_configuration; }
+    // The alarms list's height as the engineer left it, kept with the configuration.
+    void setAlarmListHeight(int pixels) { m_configuration.alarmListHeight = std::max(0, pixels); }
     QString address() const { return m_configuration.address; }
     // What the equipment and data logging dialogs hand back.
     void setEquipment(const QString &name, const QString &address);
     void setDataLogging(bool enabled, const QString &fileName);
     SamplingSeam &sampling() { return *m_sampling; }
+    const SamplingSeam &sampling() const { return *m_sampling; }
+    // Whether a value of the last weld lies beyond a specification limit of its
+    // characteristic.
+    bool lastWeldOutOfSpecification() const;
 
     // Display rows: the characteristic number (0 none, 1 to 8) each row shows. A change
     // refreshes the display, as a change of the row's selector does.
@@ -171,7 +178,8 @@ private:
     std::unique_ptr<SamplingSeam> m_sampling;
     std::unique_ptr<EquipmentLink> m_link;
     std::unique_ptr<DataLog> m_dataLog;
-    std::unique_ptr<WeldSimulator> m_simulator;
+    std::unique_ptr<WeldSimulator> m_ownSimulator;
+    WeldSimulator *m_simulator = nullptr;
     LinkEventLog m_linkEvents;
     QTimer m_timer;
     // Continues a backlog of frames after the event loop has had its turn.

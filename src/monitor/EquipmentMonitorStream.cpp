@@ -3,6 +3,7 @@
 
 #include "EquipmentMonitor.h"
 
+#include "CharacteristicSteps.h"
 #include "DataLog.h"
 #include "SamplingSeam.h"
 #include "WeldSimulator.h"
@@ -120,6 +121,8 @@ void EquipmentMonitor::AddDataset(qint32 number, const QString &name, const QStr
 {
     passOn("CorvaneUsw.AddDataset", [&] {
         auto dataset = std::make_unique<Dataset>(m_services.errors);
+        dataset->setValueStep(characteristicStep(number, m_services.measurementSystem));
+        dataset->setValueBound(m_services.valueBound);
         dataset->ID = number;
         dataset->Name = name;
         dataset->Unit = unit;

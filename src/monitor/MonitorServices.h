@@ -1,11 +1,10 @@
 #pragma once
 
 #include "platform/MeasurementSystem.h"
+#include "stats/Dataset.h"
 
-#include <cstdint>
 #include <functional>
 #include <memory>
-#include <optional>
 
 class Clock;
 class ErrorReport;
@@ -13,6 +12,7 @@ class EventLog;
 class SamplingSeam;
 class SerialPort;
 class SocketPort;
+class WeldSimulator;
 
 // Everything an equipment monitor needs from outside, handed in once at creation by the
 // composition root (the shell) or by a test. The services behind the references must
@@ -30,9 +30,13 @@ struct MonitorServices
     // Makers of the two link transports; the monitor creates one of each as it needs it.
     std::function<std::unique_ptr<SocketPort>()> makeSocket = {};
     std::function<std::unique_ptr<SerialPort>()> makeSerialPort = {};
-    // Start of the simulated-data random sequence; without one the generator's default
-    // start is used, so the same sequence repeats from run to run.
-    std::optional<std::uint32_t> randomSeed = std::nullopt;
+    // The program's one generator of simulated values, shared by every monitor so that
+    // each tab shows values of its own; a monitor made without it (a tool, a test) gets
+    // one of its own that starts where the generator always starts.
+    WeldSimulator *simulator = nullptr;
+    // Values of each characteristic kept one by one before the oldest are folded into a
+    // tally (a month at one weld a second unless the plant says otherwise).
+    qint64 valueBound = Dataset::kDefaultValueBound;
     // Maker of the SPC sampling object; without one the monitor samples nothing.
     std::function<std::unique_ptr<SamplingSeam>()> makeSampling = {};
 };

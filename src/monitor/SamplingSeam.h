@@ -39,6 +39,10 @@ public:
 
     // The SPC part that subgroups are stored for, shown in the monitor's part box.
     virtual QString Part() const { return {}; }
+    // The SPC database's data source name and whether it is connected now; no source
+    // without SPC sampling.
+    virtual QString DataSourceName() const { return {}; }
+    virtual bool DataSourceConnected() const { return false; }
     // Lets the engineer choose the SPC part from the database's part list, the chooser
     // belonging to owner's window. True when the part changed. Without SPC sampling
     // there is nothing to choose.

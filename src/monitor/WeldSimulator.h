@@ -10,8 +10,8 @@ struct CorvaneFUN26;
 
 // Simulated weld values for demonstrations ("/debug"): every received record's values
 // are scattered uniformly over +/-10 % of the received ones, and now and then one alarm
-// bit is set in a group. Without a seed the generator starts where it always starts, so
-// a demonstration repeats from run to run.
+// bit is set in a group. The program keeps one for all its monitors and seeds it once per
+// run; without a seed the generator starts where it always starts.
 class WeldSimulator
 {
 public:

@@ -4,8 +4,10 @@
 
 MeasurementSystem regionalMeasurementSystem(const QLocale &locale)
 {
-    return locale.measurementSystem() == QLocale::MetricSystem ? MeasurementSystem::Metric
-                                                                : MeasurementSystem::US;
+    // Qt reports British English as its own "imperial" system, yet British plants measure
+    // welds in millimetres; only US customary units mean inches and pounds.
+    return locale.measurementSystem() == QLocale::ImperialUSSystem ? MeasurementSystem::US
+                                                                   : MeasurementSystem::Metric;
 }
 
 MeasurementSystem readMeasurementSystem(const QString &preferencesPath,

@@ -10,8 +10,8 @@ enum class MeasurementSystem {
     US = 1,     // inches and pounds
 };
 
-// The user's regional unit system: US customary for locales that measure in inches,
-// metric for all others.
+// The user's regional unit system: inches and pounds for US customary locales, metric for
+// all others, British English included.
 MeasurementSystem regionalMeasurementSystem(const QLocale &locale = QLocale::system());
 
 // Reads "MEASUREMENT_SYSTEM" in section "PREFERENCES" of the preferences (INI) file.

@@ -1,12 +1,13 @@
 #include "ProgramFiles.h"
 
+#include <algorithm>
+
 #include <QDir>
 #include <QStandardPaths>
 
 ProgramFiles::ProgramFiles(QString dataFolder)
     : m_dataFolder(std::move(dataFolder))
-{
-}
+{}
 
 QString ProgramFiles::resolveDataFolder(const QString &explicitFolder)
 {
@@ -35,5 +36,8 @@ QString ProgramFiles::inDataFolder(const QString &suffix) const
 
 bool debugSwitchPresent(const QStringList &arguments)
 {
-    return arguments.join(u' ').contains(QLatin1String("/debug"), Qt::CaseInsensitive);
+    // Only the whole argument counts: a folder such as "/srv/debug-line" is no switch.
+    return std::any_of(arguments.cbegin(), arguments.cend(), [](const QString &argument) {
+        return argument.compare(QLatin1String("/debug"), Qt::CaseInsensitive) == 0;
+    });
 }

@@ -34,5 +34,5 @@ private:
     QString m_dataFolder;
 };
 
-// True when the command line carries the switch "/debug" anywhere, in any case.
+// True when one argument of the command line is the switch "/debug", in any case.
 bool debugSwitchPresent(const QStringList &arguments);

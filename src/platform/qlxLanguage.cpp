@@ -71,6 +71,11 @@ QString qlxLanguage::Translate(QStringView token) const
     return defaultText(token).toString();
 }
 
+QString qlxLanguage::TranslateCount(QStringView one, QStringView many, qint64 count) const
+{
+    return Translate(count == 1 ? one : many).arg(count);
+}
+
 namespace {
 
 // The ending of a caption that belongs to its place rather than to its words: trailing

@@ -30,6 +30,9 @@ public:
     void setText(int number, const QString &text);
 
     QString Translate(QStringView token) const;
+    // A count in words: the token for one when count is 1, else the one for every other
+    // number (English and German agree on that rule), with %1 replaced by the count.
+    QString TranslateCount(QStringView one, QStringView many, qint64 count) const;
     // A table text in the form of a default text, as Translate returns it.
     static QString inFormOf(QStringView defaultText, QStringView tableText);
 

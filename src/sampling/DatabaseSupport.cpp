@@ -4,6 +4,7 @@
 #include "platform/ProgramFiles.h"
 #include "platform/spc/Database.h"
 
+#include <QFileInfo>
 #include <QProcess>
 #include <QSqlDatabase>
 
@@ -142,13 +143,11 @@ QString DatabaseSupport::ResolveProcessGroup(Database &database, const QString &
     return resolveGroup("DatabaseSupport.ResolveProcessGroup", database, process);
 }
 
-void DatabaseSupport::ViewErrorLog()
+DatabaseSupport::LogView DatabaseSupport::ViewErrorLog()
 {
-    reportFailures(m_errors, "DatabaseSupport.ViewErrorLog", [&] {
-        const ViewerCommand command = viewerCommand(m_eventLogPath);
-        if (!m_launcher || !m_launcher(command))
-            throw ProgramError::raised(QStringLiteral("Unable to start %1 to show %2")
-                                           .arg(command.program, m_eventLogPath),
-                                       QStringLiteral("DatabaseSupport.ViewErrorLog"));
-    });
+    // An empty viewer would look as if the program had lost its log.
+    if (QFileInfo(m_eventLogPath).size() == 0)
+        return LogView::Empty;
+    return m_launcher && m_launcher(viewerCommand(m_eventLogPath)) ? LogView::Shown
+                                                                   : LogView::NoViewer;
 }

@@ -72,7 +72,10 @@ public:
     QString ResolvePartGroup(qlaDatabase6::Database &database, const QString &partName);
     QString ResolveProcessGroup(qlaDatabase6::Database &database, const QString &processName);
 
-    void ViewErrorLog();
+    // What View Log came to: the event log handed to the viewer, no event log written
+    // yet, or no viewer that could be started.
+    enum class LogView { Shown, Empty, NoViewer };
+    LogView ViewErrorLog();
 
     const QString &eventLogPath() const { return m_eventLogPath; }
 

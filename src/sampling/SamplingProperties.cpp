@@ -72,9 +72,21 @@ QString SamplingProperties::DataSourceName() const
     return m_database->dataSourceName();
 }
 
+bool SamplingProperties::DataSourceConnected() const
+{
+    return m_database->isConnected();
+}
+
 void SamplingProperties::setDataSourceName(const QString &dsn)
 {
     applyDataSourceName(dsn);
+}
+
+std::unique_ptr<qlaDatabase6::Database> SamplingProperties::makeDatabase(const QString &dsn) const
+{
+    std::unique_ptr<qlaDatabase6::Database> database = m_services.makeDatabase();
+    database->setDataSourceName(dsn.trimmed().isEmpty() ? defaultDataSourceName() : dsn);
+    return database;
 }
 
 void SamplingProperties::applyDataSourceName(const QString &dsn)

@@ -89,12 +89,16 @@ public:
     void setLogAlarms(qint32 groups) { m_logAlarms = groups; }
 
     // The database's data source name. Setting an empty one chooses the default.
-    QString DataSourceName() const;
+    QString DataSourceName() const override;
+    bool DataSourceConnected() const override;
     void setDataSourceName(const QString &dsn);
     // spc.db in the data folder.
     QString defaultDataSourceName() const;
 
     qlaDatabase6::Database &database() { return *m_database; }
+    // A connection of the same kind to another source (an empty name: the default), for
+    // looking at a source before it replaces this one.
+    std::unique_ptr<qlaDatabase6::Database> makeDatabase(const QString &dsn) const;
 
     // ---- Configuration ----
     QDomElement GetXMLNode(QDomDocument &document) override;

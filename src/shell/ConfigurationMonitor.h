@@ -5,6 +5,21 @@
 
 class qlxLanguage;
 
+// How a welder stands, as its tab and the tray show it from across the cell.
+enum class WelderCondition {
+    Stopped,            // not collecting: nothing to watch
+    Connected,          // collecting, and the last weld within its limits
+    LinkDown,           // collecting, but the link is not up (connecting, invalid port)
+    OutOfSpecification, // collecting, and the last weld beyond a specification limit
+};
+
+// The SPC data source a configuration samples into, for Help > About Data Source.
+struct DataSourceState
+{
+    QString name;
+    bool connected = false;
+};
+
 // What the configurations file and the main window ask of the monitor in one slot. A
 // slot holds one monitor for the whole life of the configuration set; a monitor whose
 // DriverState is 0 holds no configuration and its slot is free for the next addition.
@@ -26,6 +41,15 @@ public:
     // The configuration's name: the tab caption.
     virtual QString configurationName() const = 0;
     virtual bool SPCSamplingEnabled() const = 0;
+    // Told by the driver state alone unless the monitor knows better.
+    virtual WelderCondition condition() const
+    {
+        const int state = DriverState();
+        return state < 2    ? WelderCondition::Stopped
+               : state == 2 ? WelderCondition::LinkDown
+                            : WelderCondition::Connected;
+    }
+    virtual DataSourceState dataSource() const { return {}; }
 
     virtual void StartStop() = 0;
     virtual void StartDataCollection() = 0;

@@ -1,6 +1,7 @@
 #include "EquipmentMonitorSlot.h"
 
 #include "monitor/EquipmentMonitor.h"
+#include "monitor/SamplingSeam.h"
 
 EquipmentMonitorSlot::EquipmentMonitorSlot(std::unique_ptr<EquipmentMonitor> monitor)
     : m_monitor(std::move(monitor))
@@ -46,6 +47,23 @@ QString EquipmentMonitorSlot::configurationName() const
 bool EquipmentMonitorSlot::SPCSamplingEnabled() const
 {
     return m_monitor->SPCSamplingEnabled();
+}
+
+WelderCondition EquipmentMonitorSlot::condition() const
+{
+    const int state = m_monitor->DriverState();
+    if (state < 2)
+        return WelderCondition::Stopped;
+    if (state == 2 || m_monitor->connectionProblem())
+        return WelderCondition::LinkDown;
+    return m_monitor->lastWeldOutOfSpecification() ? WelderCondition::OutOfSpecification
+                                                   : WelderCondition::Connected;
+}
+
+DataSourceState EquipmentMonitorSlot::dataSource() const
+{
+    const SamplingSeam &sampling = m_monitor->sampling();
+    return {sampling.DataSourceName(), sampling.DataSourceConnected()};
 }
 
 void EquipmentMonitorSlot::StartStop()

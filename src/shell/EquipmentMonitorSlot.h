@@ -23,6 +23,8 @@ public:
     QString identifier() const override;
     QString configurationName() const override;
     bool SPCSamplingEnabled() const override;
+    WelderCondition condition() const override;
+    DataSourceState dataSource() const override;
     void StartStop() override;
     void StartDataCollection() override;
     void StopDataCollection() override;

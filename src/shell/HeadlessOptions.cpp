@@ -12,9 +12,11 @@ std::optional<HeadlessOptions> HeadlessOptions::parse(const QStringList &argumen
     const QCommandLineOption kHeadless(QStringLiteral("headless"));
     const QCommandLineOption kDataDir(QStringLiteral("data-dir"), QString(), QStringLiteral("DIR"));
     const QCommandLineOption kVerbose(QStringLiteral("verbose"));
+    const QCommandLineOption kValuesKept(QStringLiteral("values-kept"), QString(),
+                                         QStringLiteral("N"));
     const QCommandLineOption kHelp(QStringList{QStringLiteral("h"), QStringLiteral("help")});
     QCommandLineParser parser;
-    parser.addOptions({kHeadless, kDataDir, kVerbose, kHelp});
+    parser.addOptions({kHeadless, kDataDir, kVerbose, kValuesKept, kHelp});
     if (!parser.parse(arguments)) {
         if (errorText)
             *errorText = parser.errorText();
@@ -32,8 +34,17 @@ std::optional<HeadlessOptions> HeadlessOptions::parse(const QStringList &argumen
     options.headless = parser.isSet(kHeadless);
     options.dataFolder = parser.value(kDataDir);
     options.verbose = parser.isSet(kVerbose);
-    options.debugMode = debugSwitchPresent(arguments.mid(1));
+    options.debugMode = debugSwitchPresent(parser.positionalArguments());
     options.help = parser.isSet(kHelp);
+    if (parser.isSet(kValuesKept)) {
+        bool isNumber = false;
+        options.valuesKept = parser.value(kValuesKept).toLongLong(&isNumber);
+        if (!isNumber || options.valuesKept < 0) {
+            if (errorText)
+                *errorText = QStringLiteral("--values-kept needs a whole number of 0 or more.");
+            return std::nullopt;
+        }
+    }
     if (parser.isSet(kDataDir) && options.dataFolder.isEmpty()) {
         if (errorText)
             *errorText = QStringLiteral("--data-dir needs a folder.");
@@ -45,7 +56,9 @@ std::optional<HeadlessOptions> HeadlessOptions::parse(const QStringList &argumen
 QString HeadlessOptions::usage()
 {
     return QStringLiteral(
-               "Usage: corvane-monitor [--headless] [--data-dir DIR] [--verbose] [/debug]\n"
+               "Usage: corvane-monitor [--headless] [--data-dir DIR] [--verbose] "
+               "[--values-kept N]\n"
+               "                       [/debug]\n"
                "Watches the welders of the configurations file in the data folder and logs\n"
                "their welds.\n"
                "\n"
@@ -56,6 +69,9 @@ QString HeadlessOptions::usage()
                "  --data-dir DIR  Data folder (overrides CORVANE_DATA_DIR).\n"
                "  --verbose       Print one line per weld: configuration, cycle, weld time,\n"
                "                  energy, alarms.\n"
+               "  --values-kept N Values of each characteristic kept one by one; older ones\n"
+               "                  are folded into a histogram (default 2678400, a month at\n"
+               "                  one weld a second).\n"
                "  /debug          Replace received values by simulated ones.\n"
                "  -h, --help      Show this help.\n");
 }

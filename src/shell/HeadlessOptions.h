@@ -1,5 +1,7 @@
 #pragma once
 
+#include "stats/Dataset.h"
+
 #include <QString>
 #include <QStringList>
 
@@ -13,8 +15,10 @@ struct HeadlessOptions
     QString dataFolder;
     // One line per weld on standard output.
     bool verbose = false;
-    // "/debug" anywhere on the command line, in any case: simulated values.
+    // "/debug" as an argument of its own, in any case: simulated values.
     bool debugMode = false;
+    // Values of each characteristic kept one by one before the oldest are folded.
+    qint64 valuesKept = Dataset::kDefaultValueBound;
     bool help = false;
 
     // The options of arguments (the program's name first). Unknown options, a missing

@@ -85,7 +85,8 @@ bool HeadlessRunner::start()
             .debugMode = m_options.debugMode,
             .makeSocket = [] { return std::make_unique<TcpSocketPort>(); },
             .makeSerialPort = [] { return std::make_unique<QtSerialPort>(); },
-            .randomSeed = std::nullopt,
+            .simulator = &m_simulator,
+            .valueBound = m_options.valuesKept,
             .makeSampling = makeSampling,
         };
         auto monitor = std::make_unique<EquipmentMonitor>(std::move(services));

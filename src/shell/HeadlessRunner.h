@@ -3,11 +3,13 @@
 #include "HeadlessOptions.h"
 #include "ShellFiles.h"
 
+#include "monitor/WeldSimulator.h"
 #include "platform/Clock.h"
 #include "platform/RegionalFormat.h"
 #include "platform/qlxLanguage.h"
 
 #include <QObject>
+#include <QRandomGenerator>
 #include <QString>
 
 #include <cstdio>
@@ -58,6 +60,8 @@ private:
 
     HeadlessOptions m_options;
     SystemClock m_clock;
+    // "/debug": one generator for every monitor, started afresh on each run.
+    WeldSimulator m_simulator{QRandomGenerator::system()->generate()};
     std::FILE *m_output;
     ShellFiles m_files;
     QString m_title;

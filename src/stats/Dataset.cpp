@@ -6,12 +6,12 @@
 
 Dataset::Dataset(ErrorReport &errors)
     : m_errors(errors)
-{
-}
+{}
 
 void Dataset::ClearData()
 {
-    std::vector<double>().swap(m_values);
+    m_values.clear();
+    m_folded.clear();
     m_sum = 0;
     m_minimum = 0;
     m_maximum = 0;
@@ -20,11 +20,11 @@ void Dataset::ClearData()
 void Dataset::AddValue(double value)
 {
     reportFailures(m_errors, "Dataset.AddValue", [&] {
-        if (m_values.size() >= size_t(std::numeric_limits<qint32>::max()))
+        if (Count() == std::numeric_limits<qint32>::max())
             throw ProgramError::overflow(QStringLiteral("Dataset.AddValue"));
         m_lastValue = value;
-        m_values.push_back(value);
-        if (m_values.size() == 1) {
+        m_values.append(value);
+        if (Count() == 1) {
             m_minimum = value;
             m_maximum = value;
         } else {
@@ -32,17 +32,46 @@ void Dataset::AddValue(double value)
             m_maximum = qMax(m_maximum, value);
         }
         m_sum += value;
+        foldOldest();
     });
 }
 
 qint32 Dataset::Count() const
 {
-    return qint32(m_values.size());
+    return qint32(m_values.size() + m_folded.count());
 }
 
 double Dataset::Average() const
 {
-    return m_values.empty() ? 0.0 : m_sum / double(m_values.size());
+    const qint32 count = Count();
+    return count == 0 ? 0.0 : m_sum / double(count);
+}
+
+void Dataset::setValueStep(double step)
+{
+    CompactValues recoded(step);
+    m_values.forEach([&recoded](double value) { recoded.append(value); });
+    m_values = std::move(recoded);
+}
+
+void Dataset::setValueBound(qint64 bound)
+{
+    m_valueBound = qMax<qint64>(bound, 0);
+    foldOldest();
+}
+
+void Dataset::foldOldest()
+{
+    // Whole blocks are folded, so the store stays packed; the values kept one by one are
+    // therefore between the bound and one block more.
+    std::vector<double> oldest;
+    while (m_values.sealedValues() > 0 &&
+           m_values.size() - CompactValues::kBlockValues >= m_valueBound) {
+        oldest.clear();
+        oldest.reserve(CompactValues::kBlockValues);
+        m_values.takeOldestBlock([&oldest](double value) { oldest.push_back(value); });
+        m_folded.add(oldest);
+    }
 }
 
 QString Dataset::NumberFormat() const
@@ -58,8 +87,8 @@ QString Dataset::NumberFormat() const
 
 bool Dataset::HasLimits() const
 {
-    return (LimitFlags & (kUpperSpecLimit | kUpperWarningLimit | kLowerWarningLimit
-                          | kLowerSpecLimit)) != 0;
+    return (LimitFlags &
+            (kUpperSpecLimit | kUpperWarningLimit | kLowerWarningLimit | kLowerSpecLimit)) != 0;
 }
 
 bool Dataset::HasSL() const
@@ -89,15 +118,18 @@ bool Dataset::ExceedsWarnings() const
 
 double Dataset::GetValue(qint32 index) const
 {
-    if (index < 1 || index > Count())
+    const qint64 kept = qint64(index) - 1 - m_folded.count();
+    if (index > Count() || kept < 0)
         return 0.0;
-    return m_values[size_t(index - 1)];
+    return m_values.at(kept);
 }
 
 QVector<double> Dataset::GetDataset() const
 {
     QVector<double> copy;
-    reportFailures(m_errors, "Dataset.GetDataset",
-                   [&] { copy = QVector<double>(m_values.begin(), m_values.end()); });
+    reportFailures(m_errors, "Dataset.GetDataset", [&] {
+        copy.reserve(qsizetype(m_values.size()));
+        m_values.forEach([&copy](double value) { copy.push_back(value); });
+    });
     return copy;
 }

@@ -1,16 +1,20 @@
 #pragma once
 
+#include "CompactValues.h"
+#include "ValueTally.h"
+
 #include <QString>
 #include <QVector>
 
-#include <vector>
-
 class ErrorReport;
 
-// The running statistics of one weld characteristic in one monitor: every value since
-// the last ClearData (the histogram and the summary need them all, so they are kept as
-// plain contiguous doubles), the running count, average, minimum and maximum, and the
-// specification and warning limits that the SPC database gives it.
+// The running statistics of one weld characteristic in one monitor: the values since the
+// last ClearData (the histogram and the summary need them all), the running count,
+// average, minimum and maximum, and the specification and warning limits that the SPC
+// database gives it. Values are kept compactly as the whole steps the power supply sent;
+// beyond the value bound the oldest are folded into a tally of how often each value
+// occurred, which still serves the summary's counts and bins, so a monitor that runs for
+// months holds a bounded amount of memory.
 class Dataset
 {
 public:
@@ -19,6 +23,9 @@ public:
     static constexpr int kUpperWarningLimit = 4;
     static constexpr int kLowerWarningLimit = 16;
     static constexpr int kLowerSpecLimit = 32;
+
+    // A month (31 days) of welds at one a second.
+    static constexpr qint64 kDefaultValueBound = 31LL * 24 * 3600;
 
     explicit Dataset(ErrorReport &errors);
 
@@ -39,8 +46,8 @@ public:
     qint32 Count() const;
     double LastValue() const { return m_lastValue; }
     double Average() const;
-    double Minimum() const { return m_values.empty() ? 0.0 : m_minimum; }
-    double Maximum() const { return m_values.empty() ? 0.0 : m_maximum; }
+    double Minimum() const { return Count() == 0 ? 0.0 : m_minimum; }
+    double Maximum() const { return Count() == 0 ? 0.0 : m_maximum; }
 
     QString NumberFormat() const;
     bool HasLimits() const;
@@ -48,17 +55,45 @@ public:
     bool ExceedsSpecifications() const;
     bool ExceedsWarnings() const;
 
-    // The value at 1-based position index; 0 outside 1 .. Count.
+    // The value at 1-based position index; 0 outside 1 .. Count and for a position whose
+    // value has been folded into the tally.
     double GetValue(qint32 index) const;
-    // A copy of all values, position 1 at element 0.
+    // A copy of the values kept one by one (all of them until the bound is reached), the
+    // oldest at element 0.
     QVector<double> GetDataset() const;
 
-    // Bytes held for the value list.
-    qsizetype storedValueBytes() const { return qsizetype(m_values.capacity() * sizeof(double)); }
+    // The whole step in which the power supply reports this characteristic (0.001 for a
+    // weld time in seconds): values are kept as whole numbers of it. 0 keeps values as they
+    // come. The values already held are re-encoded.
+    void setValueStep(double step);
+    double valueStep() const { return m_values.step(); }
+
+    // How many values are kept one by one before the oldest are folded into the tally.
+    void setValueBound(qint64 bound);
+    qint64 valueBound() const { return m_valueBound; }
+    // How many of Count have been folded into the tally, and the tally itself.
+    qint32 FoldedCount() const { return qint32(m_folded.count()); }
+    const ValueTally &folded() const { return m_folded; }
+
+    // Calls visit(value, count) for the folded tally's entries, then for every value kept
+    // one by one (count 1), oldest first: the whole run, for counts and bins.
+    template <typename Visit> void forEachValue(Visit visit) const
+    {
+        for (const ValueCount &entry : m_folded.entries())
+            visit(entry.value, entry.count);
+        m_values.forEach([&visit](double value) { visit(value, qint64(1)); });
+    }
+
+    // Bytes held for the values and the tally.
+    qsizetype storedValueBytes() const { return m_values.storedBytes() + m_folded.storedBytes(); }
 
 private:
+    void foldOldest();
+
     ErrorReport &m_errors;
-    std::vector<double> m_values;
+    CompactValues m_values;
+    ValueTally m_folded;
+    qint64 m_valueBound = kDefaultValueBound;
     double m_lastValue = 0;
     double m_sum = 0;
     double m_minimum = 0;

@@ -13,7 +13,7 @@ constexpr int kInnerBins = kHistogramBinCount - 2;
 } // namespace
 
 std::vector<HistogramBin> LoadHistoBins(std::span<const double> values, double limitLower,
-                                        double limitUpper)
+                                        double limitUpper, std::span<const ValueCount> folded)
 {
     const double range = limitUpper - limitLower;
     if (!(range > 0) || !std::isfinite(range))
@@ -30,11 +30,19 @@ std::vector<HistogramBin> LoadHistoBins(std::span<const double> values, double l
         bins[i].lowerEdge = edge;
     }
 
-    for (const double value : values) {
-        const int index = histogramBinIndex(bins, value);
+    const auto add = [&bins](double value, qint64 count) {
+        int index = histogramBinIndex(bins, value);
+        if (index < 0 && !std::isnan(value)) {
+            index = value < bins.front().lowerEdge ? 0 : kHistogramBinCount - 1;
+            bins[size_t(index)].holdsFarValues = true;
+        }
         if (index >= 0)
-            ++bins[index].count;
-    }
+            bins[size_t(index)].count += count;
+    };
+    for (const double value : values)
+        add(value, 1);
+    for (const ValueCount &entry : folded)
+        add(entry.value, entry.count);
     return bins;
 }
 

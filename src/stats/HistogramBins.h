@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ValueTally.h"
+
 #include <QtGlobal>
 
 #include <optional>
@@ -15,16 +17,19 @@ struct HistogramBin
     double lowerEdge = 0;
     double upperEdge = 0;
     qint64 count = 0;
+    // The bin also counts values beyond the drawing range (first and last bin only).
+    bool holdsFarValues = false;
 };
 
 // Counts the values into the bins in one pass. No bins when the upper limit is not above
 // the lower one. A value on an inner edge goes to the bin above it; a value on the outer
-// edges is counted in the first or last bin; values outside the drawing range, and values
-// that are not numbers, are not counted. The limits themselves are exact bin edges (the
+// edges is counted in the first or last bin, and so is a value beyond them, which marks
+// that bin: the bars beyond a limit then add up to the count beyond it. Values that are
+// not numbers are not counted. The limits themselves are exact bin edges (the
 // lower edge of bin 1 and the upper edge of bin 20), so no rounding error makes a bin
-// seem to straddle a limit.
+// seem to straddle a limit. Folded values of a long run count with their tally.
 std::vector<HistogramBin> LoadHistoBins(std::span<const double> values, double limitLower,
-                                        double limitUpper);
+                                        double limitUpper, std::span<const ValueCount> folded = {});
 
 // The index of the bin that counts value, or -1 when it lies outside the bins.
 int histogramBinIndex(const std::vector<HistogramBin> &bins, double value);

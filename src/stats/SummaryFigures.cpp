@@ -9,12 +9,17 @@
 namespace {
 
 template <typename Outside>
-qint32 countOutside(std::span<const double> values, Outside outside, const char *procedure)
+qint32 countOutside(std::span<const double> values, std::span<const ValueCount> folded,
+                    Outside outside, const char *procedure)
 {
     qint64 count = 0;
     for (const double value : values) {
         if (outside(value))
             ++count;
+    }
+    for (const ValueCount &entry : folded) {
+        if (outside(entry.value))
+            count += entry.count;
     }
     if (count > std::numeric_limits<qint32>::max())
         throw ProgramError::overflow(QLatin1String(procedure));
@@ -31,7 +36,11 @@ SummaryFigures SummaryFigures::fromDataset(const Dataset &dataset)
     figures.Maximum = dataset.Maximum();
     figures.Average = dataset.Average();
     figures.NumberFormat = dataset.NumberFormat();
+    figures.Unit = dataset.Unit;
     figures.Values = dataset.GetDataset();
+    const std::span<const ValueCount> folded = dataset.folded().entries();
+    figures.Folded = QVector<ValueCount>(folded.begin(), folded.end());
+    figures.FoldedCount = dataset.folded().count();
 
     const bool hasLower = dataset.LimitFlags & Dataset::kLowerSpecLimit;
     const bool hasUpper = dataset.LimitFlags & Dataset::kUpperSpecLimit;
@@ -57,14 +66,14 @@ SummaryFigures SummaryFigures::fromDataset(const Dataset &dataset)
     return figures;
 }
 
-qint32 countBelow(std::span<const double> values, double limit)
+qint32 countBelow(std::span<const double> values, double limit, std::span<const ValueCount> folded)
 {
     return countOutside(
-        values, [limit](double value) { return value < limit; }, "countBelow");
+        values, folded, [limit](double value) { return value < limit; }, "countBelow");
 }
 
-qint32 countAbove(std::span<const double> values, double limit)
+qint32 countAbove(std::span<const double> values, double limit, std::span<const ValueCount> folded)
 {
     return countOutside(
-        values, [limit](double value) { return value > limit; }, "countAbove");
+        values, folded, [limit](double value) { return value > limit; }, "countAbove");
 }

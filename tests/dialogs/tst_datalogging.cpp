@@ -1,14 +1,19 @@
 #include "DialogFixture.h"
 
+#include "dialogs/FileDialogChooser.h"
 #include "dialogs/dlgDataLogging.h"
 #include "platform/ProgramError.h"
 
+#include <QApplication>
 #include <QCheckBox>
+#include <QDir>
 #include <QFile>
+#include <QFileDialog>
 #include <QFileInfo>
 #include <QLabel>
 #include <QPushButton>
 #include <QTemporaryDir>
+#include <QTimer>
 
 namespace {
 
@@ -143,6 +148,28 @@ private slots:
         // Switched off, the file is not touched.
         QVERIFY(!QFileInfo::exists(path));
         QVERIFY(fixture.chooser.requests.isEmpty());
+    }
+
+    // The real chooser opens in the current data log's folder, else in the data folder,
+    // and an existing file is taken without a question, since the log is appended to.
+    void chooserOpensWhereTheLogIs()
+    {
+        DialogFixture fixture;
+        QVERIFY(QDir(m_folder.path()).mkpath(QStringLiteral("logs/data")));
+        FileDialogChooser chooser(fixture.messages, m_folder.filePath(QStringLiteral("logs/data")));
+        QStringList opened;
+        const auto look = [&] {
+            auto *shown = qobject_cast<QFileDialog *>(QApplication::activeModalWidget());
+            opened << QDir(m_folder.path()).relativeFilePath(shown->directory().absolutePath());
+            QVERIFY(shown->testOption(QFileDialog::DontConfirmOverwrite));
+            shown->reject();
+        };
+        for (const QString &start : {m_folder.filePath(QStringLiteral("logs/w.txt")), QString(),
+                                     QStringLiteral("w.txt")}) {
+            QTimer::singleShot(0, this, look);
+            chooser.chooseSaveFile(nullptr, {"Data Logging", "Text Files (*.txt)", "txt", start});
+        }
+        QCOMPARE(opened, (QStringList{"logs", "logs/data", "logs/data"}));
     }
 
 private:

@@ -3,7 +3,8 @@
 #include <QTest>
 
 MonitorFixture::MonitorFixture(bool debugMode, MeasurementSystem system,
-                               std::function<std::unique_ptr<SamplingSeam>()> makeSampling)
+                               std::function<std::unique_ptr<SamplingSeam>()> makeSampling,
+                               qint64 valueBound, WeldSimulator *shared)
     : eventLog(folder.filePath(QStringLiteral("events.log")), clock)
 {
     MonitorServices services{
@@ -25,7 +26,8 @@ MonitorFixture::MonitorFixture(bool debugMode, MeasurementSystem system,
                 port->refuse = refuseSerialPort;
                 return port;
             },
-        .randomSeed = 7,
+        .simulator = shared ? shared : &simulator,
+        .valueBound = valueBound,
         .makeSampling = std::move(makeSampling),
     };
     monitor = std::make_unique<EquipmentMonitor>(std::move(services));

@@ -6,6 +6,7 @@
 #include "RecordingErrorReport.h"
 
 #include "monitor/EquipmentMonitor.h"
+#include "monitor/WeldSimulator.h"
 #include "platform/EventLog.h"
 
 #include <QFile>
@@ -20,7 +21,9 @@ struct MonitorFixture
 {
     explicit MonitorFixture(bool debugMode = false,
                             MeasurementSystem system = MeasurementSystem::Metric,
-                            std::function<std::unique_ptr<SamplingSeam>()> makeSampling = {});
+                            std::function<std::unique_ptr<SamplingSeam>()> makeSampling = {},
+                            qint64 valueBound = Dataset::kDefaultValueBound,
+                            WeldSimulator *shared = nullptr);
 
     // A monitor with the given address, initialized and loaded.
     void configure(const QString &address = QStringLiteral("IP:127.0.0.1:1000"),
@@ -36,6 +39,8 @@ struct MonitorFixture
     ManualClock clock;
     RecordingErrorReport errors;
     EventLog eventLog;
+    // The simulated values of this monitor unless another fixture's generator is shared.
+    WeldSimulator simulator{7};
     qlxLanguage language;
     FakeSocketPort *socket = nullptr;
     FakeSerialPort *serial = nullptr;

@@ -229,7 +229,6 @@ private slots:
     void malformedTextChangesOnlyTheLinkState_data()
     {
         QTest::addColumn<QString>("xml");
-        QTest::newRow("empty") << QString();
         QTest::newRow("not XML") << "<Configuration><Equipment Name=\"x\"";
         QTest::newRow("no Configuration")
             << "<Other><Equipment Name=\"x\" Settings=\"IP:a:1\"/></Other>";

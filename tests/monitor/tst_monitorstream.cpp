@@ -258,6 +258,17 @@ private slots:
         again.feed(framesOf({sent, sent}));
         QCOMPARE(again.monitor->currentRecord()->ActualWeldTime, shown.ActualWeldTime);
 
+        // Two tabs share the program's generator, so one weld shows differently on each.
+        MonitorFixture left(true);
+        MonitorFixture right(true, MeasurementSystem::Metric, {}, Dataset::kDefaultValueBound,
+                             &left.simulator);
+        for (MonitorFixture *tab : {&left, &right}) {
+            tab->configure();
+            tab->feed(framesOf({sent}));
+        }
+        QVERIFY(left.monitor->currentRecord()->ActualWeldTime !=
+                right.monitor->currentRecord()->ActualWeldTime);
+
         for (int i = 0; i < 1000; ++i) {
             const double value = f.monitor->RandomizeDouble(50.0);
             QVERIFY(value >= 45.0 && value < 55.0);

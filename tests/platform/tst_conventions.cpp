@@ -164,6 +164,8 @@ private slots:
                  MeasurementSystem::US);
         QCOMPARE(regionalMeasurementSystem(QLocale(QLocale::German, QLocale::Germany)),
                  MeasurementSystem::Metric);
+        QCOMPARE(regionalMeasurementSystem(QLocale(QLocale::English, QLocale::UnitedKingdom)),
+                 MeasurementSystem::Metric);
     }
 
     void dataFolderAndFiles()
@@ -187,7 +189,10 @@ private slots:
         QTest::addColumn<bool>("expected");
         QTest::newRow("alone") << QStringList{"prog", "/debug"} << true;
         QTest::newRow("any case") << QStringList{"prog", "/DeBuG"} << true;
-        QTest::newRow("inside an argument") << QStringList{"prog", "--x=/debugging"} << true;
+        QTest::newRow("inside an argument") << QStringList{"prog", "--x=/debugging"} << false;
+        QTest::newRow("inside a folder")
+            << QStringList{"prog", "--data-dir", "/srv/debug-line"} << false;
+        QTest::newRow("folder named so") << QStringList{"prog", "/home/x/Debug"} << false;
         QTest::newRow("absent") << QStringList{"prog", "--debug"} << false;
     }
 

@@ -1,5 +1,6 @@
 #include "RecordingErrorReport.h"
 
+#include "platform/qlxLanguage.h"
 #include "platform/widgets/ErrorWindowReport.h"
 
 #include <QApplication>
@@ -17,7 +18,8 @@ private slots:
     void burstCoalescesWithoutModalBoxes()
     {
         RecordingErrorReport log;
-        ErrorWindowReport report(log, QStringLiteral("Corvane Ostrel"));
+        const qlxLanguage language;
+        ErrorWindowReport report(log, QStringLiteral("Corvane Ostrel"), language);
         QVERIFY(!report.window());
 
         for (int i = 0; i < 500; ++i)

@@ -52,14 +52,19 @@ private slots:
         QWidget *owner = nullptr;
         QMessageBox::Icon icon = QMessageBox::NoIcon;
         QString text;
+        // A short text under a long title: the box is wide enough for the whole title.
+        const QString title = QStringLiteral("Kommunikationseinstellungen - Schweißlinie 4");
+        bool titleFits = false;
         whenBoxShown([&](QMessageBox *box) {
             owner = box->parentWidget();
             icon = box->icon();
             text = box->text();
+            titleFits = box->width() > box->fontMetrics().horizontalAdvance(title);
             box->accept();
         });
         WidgetMessageBoxes messages;
-        messages.critical(QStringLiteral("Press 7"), QStringLiteral("Invalid Value: IP Port"));
+        messages.critical(title, QStringLiteral("Invalid Value: IP Port"));
+        QVERIFY(titleFits);
         QCOMPARE(owner, &dialog);
         QCOMPARE(icon, QMessageBox::Critical);
         QCOMPARE(text, QStringLiteral("Invalid Value: IP Port"));

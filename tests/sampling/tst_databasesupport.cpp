@@ -5,6 +5,8 @@
 #include "platform/spc/SqlDatabase.h"
 #include "sampling/DatabaseSupport.h"
 
+#include <QFile>
+#include <QTemporaryDir>
 #include <QTest>
 
 using namespace qlaDatabase6;
@@ -65,7 +67,7 @@ private slots:
         QVERIFY(support.ResolveProcessByName(database, QStringLiteral("Spot weld")).id() > 0);
         const Test energy = support.ResolveTestByName(database, QStringLiteral("Energy"));
         QVERIFY(energy.id() > 0);
-        QCOMPARE(support.ResolvePartByName(database, QStringLiteral("housing")).id(), qint64(0));
+        QCOMPARE(support.ResolvePartByName(database, QStringLiteral("housing")).id(), part.id());
         QCOMPARE(support.ResolveTestByName(database, QStringLiteral("Peak Power")).id(), qint64(0));
 
         const SpecLimit limit = support.ResolveSpecLim(database, part.id(), energy.id());
@@ -134,28 +136,35 @@ private slots:
         DatabaseSupport::LibraryFlag flag;
         QList<DatabaseSupport::ViewerCommand> started;
         bool starts = true;
+        QTemporaryDir folder;
+        const ProgramFiles files(folder.path());
         DatabaseSupport support(
-            errors, kFiles, [] { return true; }, flag,
+            errors, files, [] { return true; }, flag,
             [&](const DatabaseSupport::ViewerCommand &command) {
                 started.append(command);
                 return starts;
             });
-        support.ViewErrorLog();
+        // Nothing logged yet: no viewer is started on an empty file.
+        QCOMPARE(support.ViewErrorLog(), DatabaseSupport::LogView::Empty);
+        QVERIFY(started.isEmpty());
+
+        QFile log(files.eventLogPath());
+        QVERIFY(log.open(QIODevice::WriteOnly));
+        log.write("23.11.2026 14:00 Press 1: refused\r\n");
+        log.close();
+        QCOMPARE(support.ViewErrorLog(), DatabaseSupport::LogView::Shown);
         QCOMPARE(started.size(), 1);
-        QCOMPARE(support.eventLogPath(), QStringLiteral("/srv/Corvane/corvane-monitor.log"));
+        QCOMPARE(support.eventLogPath(), files.eventLogPath());
 #ifdef Q_OS_WIN
         QCOMPARE(started.first().program, QStringLiteral("notepad.exe"));
         QCOMPARE(started.first().nativeArguments, u'"' + support.eventLogPath() + u'"');
 #else
         QCOMPARE(started.first().arguments, QStringList{support.eventLogPath()});
 #endif
-        QVERIFY(errors.isEmpty());
 
         starts = false;
-        support.ViewErrorLog();
-        QCOMPARE(errors.count(), 1);
-        QCOMPARE(errors.last().location, QStringLiteral("DatabaseSupport.ViewErrorLog"));
-        QVERIFY(errors.last().description.contains(support.eventLogPath()));
+        QCOMPARE(support.ViewErrorLog(), DatabaseSupport::LogView::NoViewer);
+        QVERIFY(errors.isEmpty());
     }
 };
 

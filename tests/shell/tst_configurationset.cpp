@@ -399,7 +399,6 @@ private slots:
                                      .debugMode = false,
                                      .makeSocket = nullptr,
                                      .makeSerialPort = nullptr,
-                                     .randomSeed = std::nullopt,
                                      .makeSampling = nullptr};
             return std::make_unique<EquipmentMonitorSlot>(
                 std::make_unique<EquipmentMonitor>(std::move(services)));

@@ -104,16 +104,21 @@ private slots:
             QCOMPARE(bins[k].count, k == 21 ? 2 : 1);
     }
 
-    void valuesOutsideTheRangeAreNotCounted()
+    // Values beyond the drawing range count in the outer bins, which say so, so the bars
+    // beyond a limit add up to the count beyond it; what is not a number is left out.
+    void valuesBeyondTheRangeCountInTheOuterBins()
     {
         const double nan = std::numeric_limits<double>::quiet_NaN();
         const double inf = std::numeric_limits<double>::infinity();
         const std::vector<HistogramBin> bins =
             binsOf({-0.5000001, 10.5000001, -100, 100, nan, inf, -inf, -0.5, 10.5, 5}, 0, 10);
-        QCOMPARE(totalCount(bins), 3);
-        QCOMPARE(bins[0].count, 1);
+        QCOMPARE(totalCount(bins), 9);
+        QCOMPARE(bins[0].count, 4);
         QCOMPARE(bins[11].count, 1);
-        QCOMPARE(bins[21].count, 1);
+        QCOMPARE(bins[21].count, 4);
+        QVERIFY(bins[0].holdsFarValues && bins[21].holdsFarValues && !bins[11].holdsFarValues);
+        // A value on the outer edge is inside the drawing range.
+        QVERIFY(!binsOf({-0.5, 10.5}, 0, 10)[0].holdsFarValues);
     }
 
     void millionValuesInOnePass()
@@ -233,7 +238,7 @@ private slots:
         histogram.setLimits(0, 4.5);
         QCOMPARE(totalCount(histogram.bins()), 3);
         histogram.Refresh();
-        QCOMPARE(totalCount(histogram.bins()), 4);
+        QCOMPARE(totalCount(histogram.bins()), 5);
         QCOMPARE(histogram.bins().front().lowerEdge, -0.225);
     }
 

@@ -56,7 +56,7 @@ class TestHorizontalMeter : public QObject
     Q_OBJECT
 
 private slots:
-    void designColoursConvert()
+    void blueGreenRedColoursConvert()
     {
         QCOMPARE(BgrColor::toColor(0x123456), QColor(0x56, 0x34, 0x12));
         QCOMPARE(BgrColor::fromColor(QColor(0x56, 0x34, 0x12)), 0x123456u);
@@ -234,6 +234,25 @@ private slots:
         // The upper limit of a bar of 880 stands at 840; the apex points at it.
         const QPoint apex(meter.barRect().left() + 840, meter.barRect().bottom() + 1);
         QCOMPARE(image.pixelColor(apex), QColor(Qt::red));
+    }
+
+    // In a tall row (a maximised window) the markers grow with the row: three times as
+    // large at 130 pixels, still pinned inside the bar.
+    void tallRowsDrawLargerMarkers()
+    {
+        HorizontalMeter meter;
+        pinCurrentMarker(meter);
+        meter.resize(kWidth, 130);
+        const QImage image = grabImage(meter);
+        const QRect box = meter.markerBox(MeterMarker::Current);
+        QCOMPARE(box.size(),
+                 QSize(3 * HorizontalMeter::kMarkerWidth, 3 * HorizontalMeter::kMarkerHeight));
+        QCOMPARE(box.right(), meter.barRect().left() + kWidth - 4);
+        // The triangle's base row, 27 pixels wide and 3 high.
+        QCOMPARE(image.pixelColor(box.left() + 3, box.top() + 15), QColor(Qt::red));
+        QCOMPARE(image.pixelColor(box.left() + 29, box.top() + 17), QColor(Qt::red));
+        QCOMPARE(image.pixelColor(box.left() + 2, box.top() + 15),
+                 meter.palette().color(QPalette::Window));
     }
 
     // A weld burst changes many properties in a row; each schedules a repaint, and the

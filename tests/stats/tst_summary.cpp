@@ -3,6 +3,7 @@
 #include "platform/qlxLanguage.h"
 #include "stats/Dataset.h"
 #include "stats/SummaryFigures.h"
+#include "stats/widgets/BgrColor.h"
 #include "stats/widgets/Histogram.h"
 #include "stats/widgets/dlgSummary.h"
 
@@ -135,6 +136,15 @@ private slots:
         QCOMPARE(labelText(dialog, "lblMinimum"), QStringLiteral("1,00"));
         QCOMPARE(labelText(dialog, "lblMaximum"), QStringLiteral("2,13"));
         QCOMPARE(labelText(dialog, "lblAverage"), QStringLiteral("1,56"));
+
+        // With a unit it stands beside the figures; before the first weld there are none.
+        f.Unit = QStringLiteral("J");
+        dialog.setFigures(f);
+        dialog.Form_Load();
+        QCOMPARE(labelText(dialog, "lblMaximum"), QStringLiteral("2,13 J"));
+        dialog.setFigures(figures({}, 0, 10));
+        dialog.Form_Load();
+        QCOMPARE(labelText(dialog, "lblMaximum"), QString());
     }
 
     // The histogram gets everything first and is then drawn once.
@@ -154,8 +164,16 @@ private slots:
                         histogram->WarningUpper()}),
                  (QList{0.0, 10.0, 2.0, 8.0}));
         QCOMPARE(histogram->values().size(), 7);
-        // -0.5 .. 10.5: -1, 11 and 12 lie outside the drawing range.
-        QCOMPARE(binned(*histogram), 4);
+        // -0.5 .. 10.5: -1, 11 and 12 lie beyond the drawing range, in the outer bins,
+        // which are red and marked as holding them; bins past a warning limit are yellow.
+        QCOMPARE(binned(*histogram), 7);
+        QCOMPARE((QList{histogram->barColors()[0], histogram->barColors()[1],
+                        histogram->barColors()[11], histogram->barColors()[21]}),
+                 (QList{BgrColor::kRed, BgrColor::kYellow, BgrColor::kGreen, BgrColor::kRed}));
+        const QImage image = histogram->grab().toImage();
+        const QRect mark = histogram->farValuesMark(21);
+        QVERIFY(!mark.isEmpty() && histogram->farValuesMark(11).isEmpty());
+        QCOMPARE(image.pixelColor(mark.center()), histogram->palette().color(QPalette::Text));
     }
 
     // Limits handed over crossed stop the load where the histogram refuses them; the labels
@@ -183,14 +201,15 @@ private slots:
         QTest::addColumn<double>("usl");
         QTest::addColumn<double>("warningLower");
         QTest::addColumn<double>("warningUpper");
-        QTest::addColumn<int>("drawn");
+        QTest::addColumn<int>("farBins");
         // Values 3 to 7; limits in the Dataset: 4 .. 6 specification, 4.5 .. 5.5 warning.
-        // The histogram draws the values within 5% of the limit range beyond the limits.
-        QTest::newRow("all four limits") << (2 | 4 | 16 | 32) << 4.0 << 6.0 << 4.5 << 5.5 << 3;
-        QTest::newRow("specification limits only") << (2 | 32) << 4.0 << 6.0 << 4.0 << 6.0 << 3;
-        QTest::newRow("no limits: the values' ends") << 0 << 3.0 << 7.0 << 3.0 << 7.0 << 5;
-        QTest::newRow("lower limit only") << 32 << 4.0 << 7.0 << 4.0 << 7.0 << 4;
-        QTest::newRow("upper limit only") << 2 << 3.0 << 6.0 << 3.0 << 6.0 << 4;
+        // The histogram draws 5% of the limit range beyond the limits; values further out
+        // count in the outer bins, which are marked.
+        QTest::newRow("all four limits") << (2 | 4 | 16 | 32) << 4.0 << 6.0 << 4.5 << 5.5 << 2;
+        QTest::newRow("specification limits only") << (2 | 32) << 4.0 << 6.0 << 4.0 << 6.0 << 2;
+        QTest::newRow("no limits: the values' ends") << 0 << 3.0 << 7.0 << 3.0 << 7.0 << 0;
+        QTest::newRow("lower limit only") << 32 << 4.0 << 7.0 << 4.0 << 7.0 << 1;
+        QTest::newRow("upper limit only") << 2 << 3.0 << 6.0 << 3.0 << 6.0 << 1;
     }
 
     void figuresFromADataset()
@@ -200,7 +219,7 @@ private slots:
         QFETCH(double, usl);
         QFETCH(double, warningLower);
         QFETCH(double, warningUpper);
-        QFETCH(int, drawn);
+        QFETCH(int, farBins);
         RecordingErrorReport errors;
         Dataset dataset(errors);
         dataset.Name = QStringLiteral("Weld Time");
@@ -219,7 +238,9 @@ private slots:
 
         dialog->Form_Load();
         QCOMPARE(labelText(*dialog, "lblAverage"), QStringLiteral("5.000"));
-        QCOMPARE(binned(*dialog->histogram()), drawn);
+        const std::vector<HistogramBin> &bins = dialog->histogram()->bins();
+        QCOMPARE(binned(*dialog->histogram()), 5);
+        QCOMPARE(int(bins.front().holdsFarValues) + int(bins.back().holdsFarValues), farBins);
         QVERIFY(errors.isEmpty());
     }
 

@@ -3,6 +3,7 @@
 #include "AlarmLinesView.h"
 #include "AlarmListModel.h"
 #include "DisplayRules.h"
+#include "MonitorCaptions.h"
 
 #include "monitor/EquipmentMonitor.h"
 #include "monitor/SamplingSeam.h"
@@ -17,8 +18,11 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSignalBlocker>
+#include <QSplitter>
 #include <QStyle>
 #include <QToolButton>
+
+#include <algorithm>
 
 CorvaneUsw::CorvaneUsw(EquipmentMonitor &monitor, ErrorReport &errors, QWidget *parent)
     : QWidget(parent)
@@ -40,6 +44,10 @@ CorvaneUsw::CorvaneUsw(EquipmentMonitor &monitor, ErrorReport &errors, QWidget *
     }
     connect(m_controls.bnPartSelect, &QPushButton::clicked, this, &CorvaneUsw::bnPartSelect_Click);
     connect(m_controls.bnStartStop, &QPushButton::clicked, this, &CorvaneUsw::bnStartStop_Click);
+    connect(m_controls.splAlarms, &QSplitter::splitterMoved, this, [this] {
+        m_shownAlarmListHeight = m_controls.splAlarms->sizes().constLast();
+        m_monitor.setAlarmListHeight(m_shownAlarmListHeight);
+    });
 
     connect(&m_monitor, &EquipmentMonitor::displayRefreshRequested, this,
             &CorvaneUsw::scheduleRefresh);
@@ -92,6 +100,8 @@ void CorvaneUsw::LoadTests()
         QComboBox *selector = m_controls.cboCharacteristic[row];
         const QSignalBlocker quiet(selector);
         selector->clear();
+        // "(none)" first, so that a row chosen by mistake can be emptied again.
+        selector->addItem(m_monitor.language().Translate(MonitorCaptions::kNoCharacteristic), 0);
         for (const auto &[name, number] : entries)
             selector->addItem(name, number);
         syncSelector(row);
@@ -102,12 +112,12 @@ void CorvaneUsw::syncSelector(int row)
 {
     QComboBox *selector = m_controls.cboCharacteristic[row];
     const int number = m_monitor.rowSelection(row);
-    const int index = number >= 1 ? selector->findData(number) : -1;
+    const int index = selector->findData(number >= 1 ? number : 0);
     if (selector->currentIndex() != index) {
         const QSignalBlocker quiet(selector);
         selector->setCurrentIndex(index);
     }
-    m_controls.bnSetup[row]->setEnabled(index >= 0);
+    m_controls.bnSetup[row]->setEnabled(number >= 1 && index >= 0);
 }
 
 // ---- Refresh --------------------------------------------------------------------------
@@ -137,8 +147,22 @@ void CorvaneUsw::RefreshDisplay()
         refreshStatus();
         m_controls.txtPart->setText(m_monitor.sampling().Part());
         m_alarmModel->sync();
+        showAlarmListHeight();
     });
     emit displayRefreshed();
+}
+
+void CorvaneUsw::showAlarmListHeight()
+{
+    // A height from the configuration, once per change: the splitter then keeps it
+    // while the window is resized.
+    const int height = m_monitor.configuration().alarmListHeight;
+    if (height <= 0 || height == m_shownAlarmListHeight)
+        return;
+    m_shownAlarmListHeight = height;
+    const QList<int> sizes = m_controls.splAlarms->sizes();
+    const int total = std::max(sizes.constFirst() + sizes.constLast(), 2 * height);
+    m_controls.splAlarms->setSizes({total - height, height});
 }
 
 void CorvaneUsw::refreshRow(int row)

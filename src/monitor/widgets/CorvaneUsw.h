@@ -73,6 +73,7 @@ private:
     void clearRow(int row);
     void refreshStatus();
     void syncSelector(int row);
+    void showAlarmListHeight();
     void translateCaptions();
     void showStartStopCaption(const QString &caption);
     void showConnectionProblem(bool problem);
@@ -85,4 +86,5 @@ private:
     // The number picture of each row, rebuilt only when a characteristic's format changes.
     std::array<NumberPicture, kRowCount> m_pictures;
     bool m_refreshPending = false;
+    int m_shownAlarmListHeight = 0;
 };

@@ -14,6 +14,7 @@
 #include <QLineEdit>
 #include <QPainter>
 #include <QPushButton>
+#include <QSplitter>
 #include <QStyle>
 #include <QToolButton>
 #include <QVBoxLayout>
@@ -229,7 +230,10 @@ void MonitorControls::build(QWidget *owner)
     statusColumn->addSpacing(lblAlarmListCaption->sizeHint().height());
     statusColumn->addWidget(statusFrame, 1);
 
-    auto *bottom = new QHBoxLayout;
+    auto *bottomBlock = new QWidget(owner);
+    bottomBlock->setObjectName(QStringLiteral("statusAndAlarms"));
+    auto *bottom = new QHBoxLayout(bottomBlock);
+    bottom->setContentsMargins(0, 0, 0, 0);
     bottom->setSpacing(em * 2 / 3);
     bottom->addLayout(statusColumn, 3);
     bottom->addLayout(alarms, 2);
@@ -238,8 +242,14 @@ void MonitorControls::build(QWidget *owner)
     layout->setContentsMargins(em * 2 / 3, em * 2 / 3, em * 2 / 3, em * 2 / 3);
     layout->setSpacing(em / 2);
     layout->addLayout(header);
-    layout->addWidget(rowsFrame, 1);
-    layout->addLayout(bottom);
+    splAlarms = new QSplitter(Qt::Vertical, owner);
+    splAlarms->setObjectName(QStringLiteral("splAlarms"));
+    splAlarms->setChildrenCollapsible(false);
+    splAlarms->addWidget(rowsFrame);
+    splAlarms->addWidget(bottomBlock);
+    splAlarms->setStretchFactor(0, 1);
+    splAlarms->setStretchFactor(1, 0);
+    layout->addWidget(splAlarms, 1);
 
     // Keyboard order: the commands first, then each row's selector and summary, then the
     // alarms; boxes that only show figures take the focus by mouse alone.

@@ -12,13 +12,15 @@ class QLineEdit;
 class QPushButton;
 class QToolButton;
 class QWidget;
+class QSplitter;
 class qlxLanguage;
 
 // The controls of one monitor's face and their layout: a header with the Start/Stop
 // button, the connection state and the SPC part; eight result rows of selector, meter,
 // last value and summary button; and below them the status block beside the alarms list.
-// Every control carries the design's name as its object name; the controls of the rows
-// are numbered from 0 (cboCharacteristic_0 .. cboCharacteristic_7).
+// Every control carries its documented name as its object name, which scripts and tests
+// find it by; the controls of the rows are numbered from 0 (cboCharacteristic_0 ..
+// cboCharacteristic_7).
 //
 // Sizes follow the font, so the face scales with the user's font and the screen's pixel
 // ratio, and it stays usable from about 800 x 520 up.
@@ -66,6 +68,9 @@ struct MonitorControls
 
     QLabel *lblAlarmListCaption = nullptr;
     AlarmLinesView *lstAlarms = nullptr;
+    // Between the result rows and the status block with the alarms list, so that the
+    // engineer can give the alarms more room.
+    QSplitter *splAlarms = nullptr;
 
 private:
     std::array<ValueAlert, kRowCount> m_valueAlerts{};

@@ -171,19 +171,23 @@ bool SqlDatabase::loadRecord(Record &record)
                                                      " LEFT JOIN spc_groups g ON g.id = r.group_id")
                                           .arg(table)
                                     : QStringLiteral("SELECT r.id, r.name FROM %1 r").arg(table);
-        QVariant key;
+        QVariantList keys;
         if (record.lookup() == Record::kLookupByName) {
-            statement += QStringLiteral(" WHERE r.name = ?");
-            key = record.name();
+            // Engineers type "housing" for "Housing": names match in any case and the
+            // record keeps its stored spelling. Should two spellings have been stored
+            // before, the exact one wins.
+            statement += QStringLiteral(" WHERE LOWER(r.name) = LOWER(?)"
+                                        " ORDER BY CASE WHEN r.name = ? THEN 0 ELSE 1 END, r.id");
+            keys = {record.name(), record.name()};
         } else if (record.lookup() == Record::kLookupById) {
             statement += QStringLiteral(" WHERE r.id = ?");
-            key = record.id();
+            keys = {record.id()};
         } else {
             throw ProgramError::raised(
                 QStringLiteral("Unknown look-up selector %1").arg(record.lookup()),
                 QStringLiteral("SqlDatabase.loadRecord"));
         }
-        QSqlQuery query = sql::execute(m_database, statement, {key}, "SqlDatabase.loadRecord");
+        QSqlQuery query = sql::execute(m_database, statement, keys, "SqlDatabase.loadRecord");
         if (!query.next()) {
             record.setId(0);
             record.setGroupId(0);

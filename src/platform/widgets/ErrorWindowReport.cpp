@@ -1,5 +1,7 @@
 #include "ErrorWindowReport.h"
 
+#include "platform/qlxLanguage.h"
+
 #include <QDateTime>
 #include <QDialogButtonBox>
 #include <QHeaderView>
@@ -14,19 +16,20 @@ enum Column { When, Repeats, Location, Number, Description, Source, ColumnCount 
 
 } // namespace
 
-ErrorWindowReport::ErrorWindowReport(ErrorReport &log, QString windowTitle)
+ErrorWindowReport::ErrorWindowReport(ErrorReport &log, QString windowTitle,
+                                     const qlxLanguage &language)
     : m_log(log)
     , m_windowTitle(std::move(windowTitle))
-{
-}
+    , m_language(language)
+{}
 
 ErrorWindowReport::~ErrorWindowReport()
 {
     delete m_window;
 }
 
-void ErrorWindowReport::Show(const QString &location, qint32 number,
-                             const QString &description, const QString &source)
+void ErrorWindowReport::Show(const QString &location, qint32 number, const QString &description,
+                             const QString &source)
 {
     m_log.Show(location, number, description, source);
     if (!m_window)
@@ -36,8 +39,8 @@ void ErrorWindowReport::Show(const QString &location, qint32 number,
     QTreeWidgetItem *line = nullptr;
     for (int i = 0; i < m_list->topLevelItemCount() && !line; ++i) {
         QTreeWidgetItem *item = m_list->topLevelItem(i);
-        if (item->text(Location) == location && item->text(Number) == QString::number(number)
-            && item->text(Description) == description)
+        if (item->text(Location) == location && item->text(Number) == QString::number(number) &&
+            item->text(Description) == description)
             line = item;
     }
     if (line) {
@@ -77,16 +80,20 @@ void ErrorWindowReport::createWindow()
     m_list = new QTreeWidget(m_window);
     m_list->setObjectName(QStringLiteral("lstErrors"));
     m_list->setColumnCount(ColumnCount);
-    m_list->setHeaderLabels({QStringLiteral("Time"), QStringLiteral("Count"),
-                             QStringLiteral("Location"), QStringLiteral("Number"),
-                             QStringLiteral("Description"), QStringLiteral("Source")});
+    QStringList headers;
+    for (QStringView token : {u"24|Time", u"1899|Count", u"7500|Location", u"7501|Number",
+                              u"7502|Description", u"7503|Source"})
+        headers.append(m_language.Translate(token));
+    m_list->setHeaderLabels(headers);
     m_list->setRootIsDecorated(false);
     m_list->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
 
     auto *buttons = new QDialogButtonBox(m_window);
-    QPushButton *clear = buttons->addButton(QStringLiteral("Clear"), QDialogButtonBox::ResetRole);
+    QPushButton *clear =
+        buttons->addButton(m_language.Translate(u"7112|C&lear"), QDialogButtonBox::ResetRole);
     clear->setObjectName(QStringLiteral("bnClear"));
-    QPushButton *close = buttons->addButton(QDialogButtonBox::Close);
+    QPushButton *close =
+        buttons->addButton(m_language.Translate(u"7400|&Close"), QDialogButtonBox::RejectRole);
     close->setObjectName(QStringLiteral("bnClose"));
     QObject::connect(clear, &QPushButton::clicked, m_list, &QTreeWidget::clear);
     QObject::connect(close, &QPushButton::clicked, m_window, &QWidget::hide);

@@ -6,6 +6,7 @@
 #include <QString>
 
 class QTreeWidget;
+class qlxLanguage;
 class QWidget;
 
 // The error report of the desktop program. Each failure is logged by the wrapped
@@ -16,7 +17,8 @@ class QWidget;
 class ErrorWindowReport : public ErrorReport
 {
 public:
-    ErrorWindowReport(ErrorReport &log, QString windowTitle);
+    // The language object must outlive the report.
+    ErrorWindowReport(ErrorReport &log, QString windowTitle, const qlxLanguage &language);
     ~ErrorWindowReport() override;
 
     void Show(const QString &location, qint32 number, const QString &description,
@@ -31,6 +33,7 @@ private:
 
     ErrorReport &m_log;
     QString m_windowTitle;
+    const qlxLanguage &m_language;
     QPointer<QWidget> m_window;
     QTreeWidget *m_list = nullptr;
 };

@@ -14,7 +14,7 @@ namespace NumericEntry {
 
 int EvaluateNumericKey(int keyCode)
 {
-    if (keyCode < 32 || keyCode >= 126)
+    if (keyCode < 32 || keyCode == 127)
         return keyCode;
     if (keyCode >= '0' && keyCode <= '9')
         return keyCode;

@@ -9,9 +9,8 @@
 namespace NumericEntry {
 
 // The key filter of a number field: a key code below 32 (Backspace, Enter, the control
-// keys of copy and paste) or from 126 on passes unchanged, a digit passes, and every
-// other key gives 0, which discards it. Codes from 126 on have always passed unfiltered,
-// "~" included, and are kept that way.
+// keys of copy and paste) or Delete (127) passes unchanged, a digit passes, and every
+// other key gives 0, which discards it: "~" in a period would be read as no period.
 int EvaluateNumericKey(int keyCode);
 
 // The number a text starts with, after leading blanks: an optional sign, digits with at

@@ -358,10 +358,12 @@ QString dlgDataSource::testConnection(const QString &dsn) const
     if (!trial.openConnection())
         return translate(kUnableToConnect) + QStringLiteral(": ") + trial.lastErrorText();
     using qlaDatabase6::RecordKind;
-    const QString counts = translate(kConnectedCounts)
-                               .arg(trial.listRecords(RecordKind::Part).size())
-                               .arg(trial.listRecords(RecordKind::Process).size())
-                               .arg(trial.listRecords(RecordKind::Test).size());
+    const auto count = [&](const std::array<QStringView, 2> &forms, RecordKind kind) {
+        return m_language.TranslateCount(forms[0], forms[1], trial.listRecords(kind).size());
+    };
+    const QString counts = count(kPartCount, RecordKind::Part) + QStringLiteral(", ") +
+                           count(kProcessCount, RecordKind::Process) + QStringLiteral(", ") +
+                           count(kTestCount, RecordKind::Test);
     trial.closeConnection();
     return translate(kConnected) + QStringLiteral(": ") + counts;
 }

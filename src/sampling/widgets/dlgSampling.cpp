@@ -6,6 +6,7 @@
 #include "dlgRecordSelection.h"
 
 #include "platform/ErrorPassing.h"
+#include "platform/MessageBoxes.h"
 #include "platform/qlxLanguage.h"
 #include "platform/spc/Database.h"
 #include "sampling/SamplingProperties.h"
@@ -99,6 +100,8 @@ void dlgSampling::buildControls()
     m_lblInterval = named(new QLabel(m_fraSubgroups), "lblInterval");
     m_txtInterval = named(new QLineEdit(m_fraSubgroups), "txtInterval");
     m_cboUnit = named(new QComboBox(m_fraSubgroups), "cboUnit");
+    // The units are filled in once the dialog loads, in the user's language.
+    m_cboUnit->setSizeAdjustPolicy(QComboBox::AdjustToContents);
     m_lblSubgroupSize = named(new QLabel(m_fraSubgroups), "lblSubgroupSize");
     m_txtSubgroupSize = named(new QLineEdit(m_fraSubgroups), "txtSubgroupSize");
     for (QLineEdit *field : {m_txtInterval, m_txtSubgroupSize}) {
@@ -262,7 +265,7 @@ void dlgSampling::showSettings()
 
 void dlgSampling::showDataSource()
 {
-    const QString dsn = m_sampling.DataSourceName();
+    const QString dsn = shownDataSourceName();
     m_lblDSN->setToolTip(dsn);
     const int room = m_lblDSN->contentsRect().width() - 2 * m_lblDSN->margin() -
                      m_lblDSN->fontMetrics().horizontalAdvance(u'x');
@@ -315,7 +318,7 @@ void dlgSampling::enableAlarmGroups()
 void dlgSampling::bnPart_Click()
 {
     reportFailures(m_services.errors, "dlgSampling.bnPart_Click", [this] {
-        qlaDatabase6::Database &database = m_sampling.database();
+        qlaDatabase6::Database &database = choiceDatabase();
         if (!SamplingDialogs::connectForChoice(database, m_language, m_services.messages))
             return;
         dlgRecordSelection picker(qlaDatabase6::RecordKind::Part, database, m_language, m_services,
@@ -329,7 +332,7 @@ void dlgSampling::bnPart_Click()
 void dlgSampling::bnProcess_Click()
 {
     reportFailures(m_services.errors, "dlgSampling.bnProcess_Click", [this] {
-        qlaDatabase6::Database &database = m_sampling.database();
+        qlaDatabase6::Database &database = choiceDatabase();
         if (!SamplingDialogs::connectForChoice(database, m_language, m_services.messages))
             return;
         dlgRecordSelection picker(qlaDatabase6::RecordKind::Process, database, m_language,
@@ -344,15 +347,27 @@ void dlgSampling::bnDSN_Click()
 {
     reportFailures(m_services.errors, "dlgSampling.bnDSN_Click", [this] {
         dlgDataSource chooser(m_language, m_services, this);
-        chooser.setDataSourceName(m_sampling.DataSourceName());
+        chooser.setDataSourceName(shownDataSourceName());
         if (chooser.exec() != QDialog::Accepted)
             return;
-        m_sampling.setDataSourceName(chooser.dataSourceName());
+        m_chosenDatabase = m_sampling.makeDatabase(chooser.dataSourceName());
         // Shown at once, so that a source that cannot be reached is still seen as the
-        // one chosen; a successful connection shows it again.
+        // one chosen.
         showDataSource();
-        SamplingDialogs::connectForChoice(m_sampling.database(), m_language, m_services.messages);
+        SamplingDialogs::connectForChoice(*m_chosenDatabase, m_language, m_services.messages);
     });
+}
+
+dlgSampling::~dlgSampling() = default;
+
+qlaDatabase6::Database &dlgSampling::choiceDatabase()
+{
+    return m_chosenDatabase ? *m_chosenDatabase : m_sampling.database();
+}
+
+QString dlgSampling::shownDataSourceName() const
+{
+    return m_chosenDatabase ? m_chosenDatabase->dataSourceName() : m_sampling.DataSourceName();
 }
 
 void dlgSampling::moDatabase_Connected()
@@ -367,6 +382,12 @@ void dlgSampling::OKButton_Click()
         // Every number is read before anything is copied, so that one that does not fit
         // leaves the settings as they were.
         const qint32 period = ctlSamplingPeriod();
+        // A period of 0 would close a subgroup at every timer tick.
+        if (period <= 0) {
+            m_services.messages.critical(translate(kSPCSampling), translate(kPeriodNotPositive));
+            m_txtInterval->setFocus();
+            return;
+        }
         const qint32 subgroupSize = NumericEntry::roundToInt32(
             NumericEntry::numericValue(m_txtSubgroupSize->text()), "dlgSampling.OKButton_Click");
         qint32 logAlarms = 0;
@@ -375,6 +396,8 @@ void dlgSampling::OKButton_Click()
                 logAlarms |= 1 << index;
         }
 
+        if (m_chosenDatabase)
+            m_sampling.setDataSourceName(m_chosenDatabase->dataSourceName());
         m_sampling.setEnabled(m_chkEnableSampling->isChecked());
         m_sampling.setCollectionType(m_optCharacteristicsButtons[kCollectSelected]->isChecked()
                                          ? kCollectSelected

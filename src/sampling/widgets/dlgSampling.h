@@ -5,6 +5,7 @@
 #include <QDialog>
 
 #include <array>
+#include <memory>
 
 class NumericKeyFilter;
 class QButtonGroup;
@@ -17,14 +18,17 @@ class QPushButton;
 class QRadioButton;
 class QToolButton;
 class SamplingProperties;
+namespace qlaDatabase6 {
+class Database;
+}
 class qlxLanguage;
 
 // The SPC sampling settings of one monitor: whether sampling is on, which
 // characteristics are collected, the part and process the subgroups are stored for, the
 // database, how often a subgroup is saved and how many values it keeps, and which alarm
-// groups are logged. The settings are copied back only by OK; the data source is the
-// exception, since choosing it connects the monitor's database at once, as the part and
-// process lists need.
+// groups are logged. The settings are copied back only by OK, the data source too: a
+// source chosen here gets a connection of the dialog's own for the part and process
+// lists, so that a monitor that is collecting keeps storing into its source until OK.
 class dlgSampling : public QDialog
 {
     Q_OBJECT
@@ -36,6 +40,7 @@ public:
     // dialog.
     dlgSampling(const qlxLanguage &language, SamplingProperties &sampling,
                 const SamplingDialogServices &services, QWidget *parent = nullptr);
+    ~dlgSampling() override;
 
     // True when OK closed the dialog and the settings were copied back.
     bool isAccepted() const { return m_accepted; }
@@ -67,6 +72,10 @@ private:
     void showSettings();
     void showDataSource();
     void enableAlarmGroups();
+    // The database the part and process lists come from: the chosen source's, else the
+    // monitor's.
+    qlaDatabase6::Database &choiceDatabase();
+    QString shownDataSourceName() const;
     QString translate(QStringView token) const;
 
     const qlxLanguage &m_language;
@@ -75,6 +84,7 @@ private:
     NumericKeyFilter *m_numericKeys = nullptr;
     bool m_loaded = false;
     bool m_accepted = false;
+    std::unique_ptr<qlaDatabase6::Database> m_chosenDatabase;
 
     QCheckBox *m_chkEnableSampling = nullptr;
     QLabel *m_lblDSN = nullptr;

@@ -1,6 +1,7 @@
 #include "DesktopProgram.h"
 
 #include "DesktopServices.h"
+#include "InstalledFiles.h"
 #include "SingleInstance.h"
 #include "StartupOptions.h"
 #include "dlgMain.h"
@@ -11,6 +12,7 @@
 #include <QApplication>
 #include <QLoggingCategory>
 #include <QSessionManager>
+#include <QTranslator>
 
 Q_LOGGING_CATEGORY(lcDesktop, "corvane.desktop")
 
@@ -21,6 +23,9 @@ int run(const StartupOptions &options, const QString &applicationTitle, SingleIn
     // The window closes into the tray; only Shut Down ends the program.
     QApplication::setQuitOnLastWindowClosed(false);
 
+    QTranslator qtTexts;
+    if (InstalledFiles::loadQtTexts(qtTexts, InstalledFiles::chosenLanguage(options.language)))
+        QCoreApplication::installTranslator(&qtTexts);
     DesktopServices services(options, applicationTitle, QCoreApplication::applicationDirPath());
     dlgMain window(services.windowServices());
     TerminationSignals termination;

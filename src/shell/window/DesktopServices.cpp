@@ -18,14 +18,15 @@ DesktopServices::DesktopServices(const StartupOptions &options, const QString &a
           InstalledFiles::languageTable(InstalledFiles::chosenLanguage(options.language),
                                         InstalledFiles::folders(executableFolder)))
     , m_debugMode(options.program.debugMode)
+    , m_valuesKept(options.program.valuesKept)
     , m_settings(ShellSettings::openSettingsStore())
     , m_programFiles(ProgramFiles::resolveDataFolder(options.program.dataFolder))
     , m_log(m_programFiles.errorReportLogPath(), QLatin1String(ProgramFiles::kProgramBaseName),
             m_clock, false)
-    , m_errors(m_log, applicationTitle)
+    , m_errors(m_log, applicationTitle, m_errorWindowLanguage)
     , m_eventLog(m_programFiles.eventLogPath(), m_clock)
     , m_database(m_errors, m_programFiles)
-    , m_fileChooser(m_messages)
+    , m_fileChooser(m_messages, m_programFiles.dataFolder())
     , m_help(InstalledFiles::find(HelpModule::mapFileName(),
                                   InstalledFiles::folders(executableFolder)))
     , m_commands({.errors = m_errors,
@@ -34,7 +35,11 @@ DesktopServices::DesktopServices(const StartupOptions &options, const QString &a
                   .fileChooser = m_fileChooser,
                   .clock = m_clock})
     , m_samplingDialogs{.errors = m_errors, .messages = m_messages}
-{}
+{
+    // A table that cannot be read is reported by the main window, which reads it too.
+    if (!m_languageTable.isEmpty())
+        m_errorWindowLanguage.loadTable(m_languageTable);
+}
 
 DesktopServices::~DesktopServices() = default;
 
@@ -54,6 +59,7 @@ MainWindowServices DesktopServices::windowServices()
         .commands = m_commands,
         .help = m_help,
         .database = m_database,
+        .messages = m_messages,
     };
 }
 
@@ -82,7 +88,8 @@ MonitorSlot DesktopServices::makeSlot(int slotIndex, const ShellFiles &files,
         .debugMode = m_debugMode,
         .makeSocket = [] { return std::make_unique<TcpSocketPort>(); },
         .makeSerialPort = [] { return std::make_unique<QtSerialPort>(); },
-        .randomSeed = std::nullopt,
+        .simulator = &m_simulator,
+        .valueBound = m_valuesKept,
         .makeSampling = makeSampling,
     });
     auto *view = new CorvaneUsw(*monitor, m_errors);

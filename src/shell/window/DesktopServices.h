@@ -5,16 +5,19 @@
 #include "MainWindowServices.h"
 
 #include "dialogs/FileDialogChooser.h"
+#include "monitor/WeldSimulator.h"
 #include "platform/Clock.h"
 #include "platform/EventLog.h"
 #include "platform/LoggedErrorReport.h"
 #include "platform/ProgramFiles.h"
+#include "platform/qlxLanguage.h"
 #include "platform/widgets/ErrorWindowReport.h"
 #include "platform/widgets/WidgetMessageBoxes.h"
 #include "sampling/DatabaseSupport.h"
 #include "sampling/widgets/SamplingDialogServices.h"
 #include "sampling/widgets/WidgetPartSelector.h"
 
+#include <QRandomGenerator>
 #include <QString>
 
 #include <memory>
@@ -41,8 +44,13 @@ private:
 
     QString m_applicationTitle;
     QString m_languageTable;
+    // The captions of the error window, which exists before the main window.
+    qlxLanguage m_errorWindowLanguage;
     bool m_debugMode;
+    qint64 m_valuesKept;
     SystemClock m_clock;
+    // "/debug": one generator for every tab, started afresh on each run.
+    WeldSimulator m_simulator{QRandomGenerator::system()->generate()};
     std::unique_ptr<SettingsStore> m_settings;
     ProgramFiles m_programFiles;
     LoggedErrorReport m_log;

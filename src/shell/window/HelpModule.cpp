@@ -72,14 +72,7 @@ QUrl HelpModule::topicUrl(int contextId)
     });
 }
 
-void HelpModule::ShowHelp(int contextId)
+bool HelpModule::ShowHelp(int contextId)
 {
-    passOn("HelpModule.ShowHelp", [&] {
-        const QUrl url = topicUrl(contextId);
-        if (!m_opener(url)) {
-            throw ProgramError::raised(
-                QStringLiteral("The desktop could not open the help page %1").arg(url.toString()),
-                QStringLiteral("HelpModule.ShowHelp"));
-        }
-    });
+    return passOn("HelpModule.ShowHelp", [&] { return m_opener(topicUrl(contextId)); });
 }

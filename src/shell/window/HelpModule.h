@@ -25,10 +25,10 @@ public:
 
     static QString mapFileName();
 
-    // Shows the page of a context number. Fails (passing the failure on) when the map
-    // cannot be read, has no such number, the page is missing or the desktop cannot
-    // open it.
-    void ShowHelp(int contextId);
+    // Shows the page of a context number; false when the desktop could not open it (no
+    // browser, or none allowed). Fails (passing the failure on) when the map cannot be
+    // read, has no such number or the page is missing.
+    bool ShowHelp(int contextId);
 
     // The page of a context number, as a file URL.
     QUrl topicUrl(int contextId);

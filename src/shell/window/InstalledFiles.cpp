@@ -5,6 +5,8 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QLibraryInfo>
+#include <QTranslator>
 
 namespace InstalledFiles {
 
@@ -39,6 +41,13 @@ QString languageTable(const QString &language, const QStringList &folders)
         return {};
     return find(qlxLanguage::tableFileName(QLatin1String(ProgramFiles::kProgramBaseName), language),
                 folders);
+}
+
+bool loadQtTexts(QTranslator &translator, const QString &language)
+{
+    return !language.isEmpty() &&
+           translator.load(QLocale(language), QStringLiteral("qtbase"), QStringLiteral("_"),
+                           QLibraryInfo::path(QLibraryInfo::TranslationsPath));
 }
 
 } // namespace InstalledFiles

@@ -44,8 +44,8 @@ void MainMenus::build(QMainWindow *window)
     mnuDataLogging = item(mnuConfiguration, "mnuDataLogging");
     mnuConfiguration->addSeparator();
     mnuSPCSampling = item(mnuConfiguration, "mnuSPCSampling");
-    // Start/Stop has no place in the menu tree of old; it stands apart at the end so
-    // that the familiar items keep their positions, and F5 reaches it from anywhere.
+    // Start/Stop stands apart at the end so that the settings items keep the positions
+    // users know, and F5 reaches it from anywhere.
     mnuConfiguration->addSeparator();
     mnuStartStop = item(mnuConfiguration, "mnuStartStop");
     mnuStartStop->setShortcut(QKeySequence(Qt::Key_F5));
@@ -81,7 +81,7 @@ void MainMenus::translateCaptions(const qlxLanguage &language)
     mnuRemove->setText(caption(u"1076|&Remove"));
     mnuSettings->setText(caption(u"6336|&Equipment Settings..."));
     mnuDataLogging->setText(caption(u"6335|&Data Logging..."));
-    mnuSPCSampling->setText(caption(u"6337|&SPC Sampling..."));
+    mnuSPCSampling->setText(caption(u"6337|SP&C Sampling..."));
     showStartStop(language, false);
 
     mnuHelp->setTitle(caption(u"303|&Help"));

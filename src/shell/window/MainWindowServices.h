@@ -15,6 +15,7 @@ class ConfigurationCommands;
 class DatabaseSupport;
 class ErrorReport;
 class HelpModule;
+class MessageBoxes;
 class QWidget;
 class SettingsStore;
 class qlxLanguage;
@@ -53,6 +54,8 @@ struct MainWindowServices
     HelpModule &help;
     // View Log of the tray menu.
     DatabaseSupport &database;
+    // What the user is told when help or the event log cannot be shown.
+    MessageBoxes &messages;
     // The unit system of the user's region: the default when the preferences file has none.
     MeasurementSystem regionalUnits = regionalMeasurementSystem();
 };

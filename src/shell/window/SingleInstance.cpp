@@ -34,13 +34,14 @@ QString serverNameIn(const QString &folder, const QString &key)
 
 } // namespace
 
-SingleInstance::SingleInstance(const QString &applicationTitle, const QString &folder,
-                               QObject *parent)
+SingleInstance::SingleInstance(const QString &applicationTitle, const QString &dataFolder,
+                               const QString &folder, QObject *parent)
     : QObject(parent)
-    , m_lockPath(QDir(folder.isEmpty() ? runtimeFolder() : folder)
-                     .filePath(keyFor(applicationTitle, userName()) + QStringLiteral(".lock")))
+    , m_lockPath(
+          QDir(folder.isEmpty() ? runtimeFolder() : folder)
+              .filePath(keyFor(applicationTitle, dataFolder, userName()) + QStringLiteral(".lock")))
     , m_serverName(serverNameIn(folder.isEmpty() ? runtimeFolder() : folder,
-                                keyFor(applicationTitle, userName())))
+                                keyFor(applicationTitle, dataFolder, userName())))
     , m_lock(m_lockPath)
 {
     // Only a dead owner makes the lock stale, never its age: a monitor runs for weeks.
@@ -53,10 +54,14 @@ SingleInstance::~SingleInstance()
         m_server->close();
 }
 
-QString SingleInstance::keyFor(const QString &applicationTitle, const QString &userName)
+QString SingleInstance::keyFor(const QString &applicationTitle, const QString &dataFolder,
+                               const QString &userName)
 {
-    const QByteArray digest =
-        QCryptographicHash::hash(applicationTitle.toUtf8(), QCryptographicHash::Sha1).toHex();
+    // "data" and "data/" are one folder.
+    const QString folder = QDir::cleanPath(QDir(dataFolder).absolutePath());
+    const QByteArray digest = QCryptographicHash::hash((applicationTitle + u'\n' + folder).toUtf8(),
+                                                       QCryptographicHash::Sha1)
+                                  .toHex();
     QString user = userName;
     for (QChar &c : user) {
         if (!c.isLetterOrNumber())

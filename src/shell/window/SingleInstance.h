@@ -7,7 +7,8 @@
 
 #include <memory>
 
-// One running instance per desktop user and application title. The first start takes
+// One running instance per desktop user, application title and data folder: a headless
+// service on a folder of its own runs beside the desktop's instance. The first start takes
 // a lock file in the user's runtime folder and listens on a local socket beside it; a
 // second start finds the lock taken, connects, asks the first to show its window
 // ("activate") and ends without a window of its own. The lock is released by the
@@ -22,8 +23,8 @@ public:
 
     // folder: where the lock and the socket live; empty for the user's runtime folder
     // (the temporary folder when the platform has none).
-    explicit SingleInstance(const QString &applicationTitle, const QString &folder = {},
-                            QObject *parent = nullptr);
+    SingleInstance(const QString &applicationTitle, const QString &dataFolder,
+                   const QString &folder = {}, QObject *parent = nullptr);
     ~SingleInstance() override;
 
     // True when this is the first instance: it holds the lock and listens for later
@@ -36,9 +37,11 @@ public:
     const QString &lockPath() const { return m_lockPath; }
     const QString &serverName() const { return m_serverName; }
 
-    // The name of the lock and the socket: program, user and a digest of the title, so
-    // that an OEM build with another title runs beside this one.
-    static QString keyFor(const QString &applicationTitle, const QString &userName);
+    // The name of the lock and the socket: program, user and a digest of the title and the
+    // data folder, so that an OEM build with another title, or a run on another data
+    // folder, runs beside this one.
+    static QString keyFor(const QString &applicationTitle, const QString &dataFolder,
+                          const QString &userName);
     static QString runtimeFolder();
 
 signals:

@@ -1,6 +1,7 @@
 #include "dlgMain.h"
 
 #include "ConfigurationCommands.h"
+#include "WelderStatus.h"
 
 #include "platform/ErrorPassing.h"
 #include "platform/ErrorReport.h"
@@ -17,13 +18,6 @@
 #include <QTabBar>
 #include <QTimer>
 #include <QVBoxLayout>
-
-namespace {
-
-// The tray's image, the "DEFAULT" picture of the window's images.
-const QString kTrayImage = QStringLiteral(":/corvane-monitor/DEFAULT.svg");
-
-} // namespace
 
 dlgMain::dlgMain(MainWindowServices services, QWidget *parent)
     : QMainWindow(parent)
@@ -160,8 +154,8 @@ void dlgMain::translateCaptions()
     setWindowTitle(m_services.applicationTitle);
     m_menus.translateCaptions(m_language);
     static_cast<QLabel *>(m_emptyPage)
-        ->setText(m_language.Translate(u"No welder is configured. Add one with Configuration, "
-                                       u"Add..."));
+        ->setText(m_language.Translate(u"7050|No welder is configured: add one with "
+                                       u"Configuration, Add."));
 }
 
 void dlgMain::createConfigurations()
@@ -190,10 +184,14 @@ MonitorSlot dlgMain::makeSlot(int slotIndex)
 
 void dlgMain::createTray()
 {
-    m_tray->setIcon(QIcon(kTrayImage));
+    m_tray->setIcon(WelderStatus::trayImage());
     m_tray->setToolTip(m_services.applicationTitle);
     setWindowIcon(m_tray->icon());
     m_tray->show();
+    if (m_configurations) {
+        m_status = new WelderStatus(*m_configurations, *m_tabStrip, *m_tray, m_language,
+                                    m_services.applicationTitle, this);
+    }
 }
 
 // ---- Tabs ----------------------------------------------------------------------------
@@ -221,6 +219,8 @@ void dlgMain::tabAdded(int index)
     m_tabStrip->insertTab(index, tab.caption);
     m_tabStrip->setTabData(index, tab.key);
     m_tabStrip->setCurrentIndex(m_configurations->currentTab());
+    if (m_status)
+        m_status->refresh();
 }
 
 void dlgMain::tabRemoved(int index)
@@ -290,6 +290,14 @@ bool dlgMain::Form_QueryUnload(UnloadMode mode)
 {
     if (mode == FormControlMenu && !m_unloaded) {
         hide();
+        // Once per run: a closed window must not look like a program that has ended.
+        if (!m_trayNoticeGiven) {
+            m_trayNoticeGiven = true;
+            m_tray->showMessage(m_services.applicationTitle,
+                                m_language.Translate(u"7052|The program keeps running in the "
+                                                     u"notification area; Shut Down in its "
+                                                     u"menu ends it."));
+        }
         return true;
     }
     if (m_unloaded)

@@ -18,6 +18,7 @@ class QStackedWidget;
 class QSystemTrayIcon;
 class QTabBar;
 class QTimer;
+class WelderStatus;
 
 // The program's only top-level window: one tab per configuration with that welder's
 // monitor below the tabs, the menus that add, remove and set up configurations, and
@@ -93,6 +94,9 @@ public:
     // The face of a slot's monitor.
     QWidget *monitorView(int slotIndex) const;
     bool isUnloaded() const { return m_unloaded; }
+    // Whether closing the window has said that the program keeps running.
+    bool trayNoticeGiven() const { return m_trayNoticeGiven; }
+    WelderStatus *welderStatus() const { return m_status; }
 
 signals:
     // The window has saved and shut its monitors down: the program may end.
@@ -118,6 +122,12 @@ private:
 
     // The selected configuration's slot, or -1.
     int selectedSlot() const;
+    void showHelp(int topic);
+    // A message box over the window, titled with the program's title.
+    void tell(const QString &text);
+    // Equipment Settings of the selected configuration; true when OK closed it.
+    bool configureSelected();
+    void removeSelected();
     ConfigurationCommands::Context commandContext();
     void showMonitor(int slotIndex);
 
@@ -137,4 +147,6 @@ private:
     bool m_mirroring = false;
     bool m_loadedCleanly = false;
     bool m_unloaded = false;
+    bool m_trayNoticeGiven = false;
+    WelderStatus *m_status = nullptr;
 };

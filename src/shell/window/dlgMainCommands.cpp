@@ -7,9 +7,12 @@
 #include "dlgSplash.h"
 
 #include "platform/ErrorPassing.h"
+#include "platform/MessageBoxes.h"
+#include "platform/spc/DataSource.h"
 #include "sampling/DatabaseSupport.h"
 
 #include <QAction>
+#include <QDir>
 #include <QMenu>
 #include <QStackedWidget>
 #include <QTimer>
@@ -50,37 +53,47 @@ void dlgMain::mnuAdd_Click()
         if (key.isEmpty())
             return;
         ActivateConfiguration(key);
-        mnuSettings_Click();
+        // A welder without a name and address is of no use: Cancel takes the new
+        // configuration back, so that the next start offers Add again.
+        if (!configureSelected())
+            removeSelected();
     });
 }
 
 void dlgMain::mnuRemove_Click()
 {
-    reportFailures(m_services.errors, "dlgMain.mnuRemove_Click", [&] {
-        const int slot = selectedSlot();
-        if (slot < 0)
-            return;
-        const int tab = m_configurations->currentTab();
-        m_configurations->monitor(slot).ShutDown();
-        m_monitors->setCurrentWidget(m_emptyPage);
-        // The tab now at the removed one's position is selected, or the new last tab.
-        m_configurations->removeTab(tab);
-    });
+    reportFailures(m_services.errors, "dlgMain.mnuRemove_Click", [&] { removeSelected(); });
+}
+
+void dlgMain::removeSelected()
+{
+    const int slot = selectedSlot();
+    if (slot < 0)
+        return;
+    const int tab = m_configurations->currentTab();
+    m_configurations->monitor(slot).ShutDown();
+    m_monitors->setCurrentWidget(m_emptyPage);
+    // The tab now at the removed one's position is selected, or the new last tab.
+    m_configurations->removeTab(tab);
 }
 
 void dlgMain::mnuSettings_Click()
 {
-    reportFailures(m_services.errors, "dlgMain.mnuSettings_Click", [&] {
-        const int slot = selectedSlot();
-        if (slot < 0)
-            return;
-        ConfigurationMonitor &monitor = m_configurations->monitor(slot);
-        if (m_services.commands.ConfigureEquipment(monitor, commandContext())) {
-            const int tab = m_configurations->currentTab();
-            if (tab >= 0)
-                m_configurations->setTabCaption(tab, monitor.configurationName());
-        }
-    });
+    reportFailures(m_services.errors, "dlgMain.mnuSettings_Click", [&] { configureSelected(); });
+}
+
+bool dlgMain::configureSelected()
+{
+    const int slot = selectedSlot();
+    if (slot < 0)
+        return false;
+    ConfigurationMonitor &monitor = m_configurations->monitor(slot);
+    if (!m_services.commands.ConfigureEquipment(monitor, commandContext()))
+        return false;
+    const int tab = m_configurations->currentTab();
+    if (tab >= 0)
+        m_configurations->setTabCaption(tab, monitor.configurationName());
+    return true;
 }
 
 void dlgMain::mnuDataLogging_Click()
@@ -127,13 +140,28 @@ void dlgMain::startEveryConfiguration()
 void dlgMain::mnuContents_Click()
 {
     reportFailures(m_services.errors, "dlgMain.mnuContents_Click",
-                   [&] { m_services.help.ShowHelp(HelpModule::kContents); });
+                   [&] { showHelp(HelpModule::kContents); });
 }
 
 void dlgMain::mnuGettingStarted_Click()
 {
     reportFailures(m_services.errors, "dlgMain.mnuGettingStarted_Click",
-                   [&] { m_services.help.ShowHelp(HelpModule::kGettingStarted); });
+                   [&] { showHelp(HelpModule::kGettingStarted); });
+}
+
+void dlgMain::showHelp(int topic)
+{
+    if (m_services.help.ShowHelp(topic))
+        return;
+    tell(m_language
+             .Translate(u"7060|The help page %1 cannot be opened: this computer has no web "
+                        u"browser, or does not allow the program to start one.")
+             .arg(QDir::toNativeSeparators(m_services.help.topicUrl(topic).toLocalFile())));
+}
+
+void dlgMain::tell(const QString &text)
+{
+    m_services.messages.critical(m_services.applicationTitle, text);
 }
 
 void dlgMain::mnuAboutApp_Click()
@@ -148,8 +176,29 @@ void dlgMain::mnuAboutApp_Click()
 
 void dlgMain::mnuAboutDB_Click()
 {
-    // The item only tells, by being enabled, that the selected configuration samples
-    // into an SPC database; it has no action of its own.
+    // Enabled only while the selected configuration samples into an SPC database: which
+    // database that is, and whether the monitor reaches it now.
+    reportFailures(m_services.errors, "dlgMain.mnuAboutDB_Click", [&] {
+        const int slot = selectedSlot();
+        if (slot < 0)
+            return;
+        const DataSourceState source = m_configurations->monitor(slot).dataSource();
+        qlaDatabase6::DataSource parsed;
+        QString problem;
+        const bool known = qlaDatabase6::DataSource::parse(source.name, parsed, problem);
+        const QString kind =
+            !known ? problem
+            : parsed.kind() == qlaDatabase6::DataSource::Kind::SQLite
+                ? m_language.Translate(u"7301|A file on this workstation (SQLite)")
+                : m_language.Translate(u"7302|The plant's database server (PostgreSQL)");
+        const QString state = source.connected ? m_language.Translate(u"6052|Connected")
+                                               : m_language.Translate(u"7057|Not connected");
+        m_services.messages.critical(m_language.Translate(u"436|About Data Source"),
+                                     m_language.Translate(u"7310|Data source name: ") +
+                                         source.name + u'\n' +
+                                         m_language.Translate(u"7053|Kind: ") + kind + u'\n' +
+                                         m_language.Translate(u"7054|State: ") + state);
+    });
 }
 
 void dlgMain::mnuOpenWindow_Click()
@@ -159,8 +208,19 @@ void dlgMain::mnuOpenWindow_Click()
 
 void dlgMain::mnuViewErrorLog_Click()
 {
-    reportFailures(m_services.errors, "dlgMain.mnuViewErrorLog_Click",
-                   [&] { m_services.database.ViewErrorLog(); });
+    reportFailures(m_services.errors, "dlgMain.mnuViewErrorLog_Click", [&] {
+        const DatabaseSupport::LogView view = m_services.database.ViewErrorLog();
+        if (view == DatabaseSupport::LogView::Shown)
+            return;
+        const QStringView why =
+            view == DatabaseSupport::LogView::Empty
+                ? u"7061|The event log %1 is still empty: nothing has gone wrong with a link or "
+                  u"a file yet."
+                : u"7062|The event log %1 cannot be opened: this computer has no text viewer, "
+                  u"or does not allow the program to start one.";
+        tell(m_language.Translate(why).arg(
+            QDir::toNativeSeparators(m_services.database.eventLogPath())));
+    });
 }
 
 void dlgMain::moAutoAdd_Timer()

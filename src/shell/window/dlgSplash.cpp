@@ -41,9 +41,9 @@ dlgSplash::dlgSplash(const SettingsStore &settings, QWidget *parent)
     lblProductName->setFont(productFont);
     lblVersion = label(this, "lblVersion", QStringLiteral("Version"));
     lblCopyright = label(this, "lblCopyright", QStringLiteral("Copyright"));
-    lblPoweredBy = label(this, "lblPoweredBy", QStringLiteral("Powered by Meridal"));
+    lblPoweredBy = label(this, "lblPoweredBy", QString());
 
-    bnClose = new QPushButton(QStringLiteral("&Close"), this);
+    bnClose = new QPushButton(this);
     bnClose->setObjectName(QStringLiteral("bnClose"));
     bnClose->setDefault(true);
     connect(bnClose, &QPushButton::clicked, this, &QDialog::accept);
@@ -79,11 +79,10 @@ void dlgSplash::Form_Load()
     lblProductName->setText(QStringLiteral("%1 %2").arg(QLatin1String(ProgramVersion::kProductName),
                                                         QLatin1String(ProgramVersion::kVersion)));
     lblCopyright->setText(QString::fromUtf8(ProgramVersion::kCopyright));
-    lblPoweredBy->setText(QStringLiteral("Powered by Meridal"));
 
     const qlxLanguage builtIn;
     const qlxLanguage &language = m_language ? *m_language : builtIn;
     setWindowTitle(language.Translate(u"762|About Application"));
-    bnClose->setText(language.Translate(u"&Close"));
-    lblPoweredBy->setText(language.Translate(lblPoweredBy->text()));
+    bnClose->setText(language.Translate(u"7400|&Close"));
+    lblPoweredBy->setText(language.Translate(u"7051|Powered by Meridal"));
 }

@@ -2,8 +2,8 @@
 
 #include <QColor>
 
-// Colours as the design and the configurations hold them: 24-bit values in blue-green-red
-// order, so 255 is red, 65280 green and 65535 yellow.
+// Colours as the configurations file and the meters hold them: 24-bit values in
+// blue-green-red order, so 255 is red, 65280 green and 65535 yellow.
 namespace BgrColor {
 
 inline constexpr quint32 kBlack = 0;

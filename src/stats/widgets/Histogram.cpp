@@ -130,10 +130,17 @@ void Histogram::setAutoRefresh(bool autoRefresh)
     m_autoRefresh = autoRefresh;
 }
 
-void Histogram::setValues(const QVector<double> &values)
+void Histogram::setValues(const QVector<double> &values, const QVector<ValueCount> &folded)
 {
     m_values = values;
+    m_folded = folded;
     propertyChanged(Change::Recount);
+}
+
+void Histogram::setEmptyText(const QString &text)
+{
+    m_emptyText = text;
+    update();
 }
 
 void Histogram::propertyChanged(Change change)
@@ -162,7 +169,7 @@ void Histogram::LoadHistoBins()
 {
     passOn("Histogram.LoadHistoBins", [this] {
         m_bins = ::LoadHistoBins(std::span<const double>(m_values.constData(), m_values.size()),
-                                 m_limitLower, m_limitUpper);
+                                 m_limitLower, m_limitUpper, m_folded);
     });
 }
 
@@ -232,6 +239,10 @@ void Histogram::paintEvent(QPaintEvent *)
         painter.drawRect(rect().adjusted(0, 0, -1, -1));
 
         const QRect plot = plotRect();
+        if (m_values.isEmpty() && m_folded.isEmpty() && !m_emptyText.isEmpty()) {
+            painter.setPen(palette().color(QPalette::PlaceholderText));
+            painter.drawText(plot, Qt::AlignCenter | Qt::TextWordWrap, m_emptyText);
+        }
         if (m_bins.empty() || plot.width() <= 0 || plot.height() <= 0)
             return;
         const HistogramBars layout = AdjustBars(plot.width(), plot.height(), m_bins);
@@ -269,11 +280,34 @@ void Histogram::drawBars(QPainter &painter, const QRect &plot, const HistogramBa
             painter.drawText(countRect, Qt::AlignHCenter | Qt::AlignBottom,
                              QString::number(m_bins[size_t(i)].count));
         }
+        const QRect mark = farValuesMark(i);
+        if (!mark.isEmpty()) {
+            const bool left = i == 0;
+            const QPolygon arrow{QPoint(left ? mark.left() : mark.right(), mark.center().y()),
+                                 QPoint(left ? mark.right() : mark.left(), mark.top()),
+                                 QPoint(left ? mark.right() : mark.left(), mark.bottom())};
+            painter.setPen(Qt::NoPen);
+            painter.setBrush(ink);
+            painter.drawPolygon(arrow);
+            painter.setBrush(Qt::NoBrush);
+        }
     }
     painter.setPen(palette().color(QPalette::Dark));
     const int rowWidth = kHistogramBinCount * layout.barWidth;
     painter.drawLine(plot.left() + layout.leftOffset, plot.bottom() + 1,
                      plot.left() + layout.leftOffset + rowWidth - 1, plot.bottom() + 1);
+}
+
+QRect Histogram::farValuesMark(int index) const
+{
+    if (index < 0 || index >= int(m_bins.size()) || !m_bins[size_t(index)].holdsFarValues)
+        return {};
+    const QRect bar = barRect(index);
+    if (bar.isEmpty())
+        return {};
+    // Inside the bar's foot, where the bar always has room, whatever its height.
+    const int side = std::max(3, std::min(bar.width() - 2, bar.height() - 2));
+    return QRect(bar.center().x() - side / 2, bar.bottom() - side, side, side);
 }
 
 void Histogram::drawLimitMarkers(QPainter &painter, const QRect &plot,

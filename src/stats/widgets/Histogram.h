@@ -75,7 +75,11 @@ public:
     void setAutoRefresh(bool autoRefresh);
 
     const QVector<double> &values() const { return m_values; }
-    void setValues(const QVector<double> &values);
+    // The values one by one, and the tally of values folded in a long run.
+    void setValues(const QVector<double> &values, const QVector<ValueCount> &folded = {});
+
+    // Shown over the plot while there are no values (already translated); none by default.
+    void setEmptyText(const QString &text);
 
     // Counts the values into the bins, colours the bars and schedules a repaint.
     void Refresh();
@@ -87,6 +91,9 @@ public:
     QRect plotRect() const;
     HistogramBars bars() const;
     QRect barRect(int index) const;
+    // The arrow over a first or last bar that also counts values beyond the drawing range,
+    // pointing the way they lie; an empty rectangle for a bar without one.
+    QRect farValuesMark(int index) const;
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
@@ -120,6 +127,8 @@ private:
     NumberPicture m_picture{QStringLiteral("0.0")};
     bool m_autoRefresh = true;
     QVector<double> m_values;
+    QString m_emptyText;
+    QVector<ValueCount> m_folded;
 
     std::vector<HistogramBin> m_bins;
     std::vector<quint32> m_barColors;

@@ -21,6 +21,9 @@ const QString kLimitsCrossed = QStringLiteral("Invalid Value! LimitLower > Limit
 constexpr int kTriangleRows = 5;
 // Rows under the bar that the triangles take, plus one pixel of air above the labels.
 constexpr int kMarkerRowHeight = kTriangleRows + 1;
+// Rows of this height make the markers and labels one size larger.
+constexpr int kScaleStep = 40;
+constexpr int kMaxScale = 3;
 // A thicker bar reads no better; spare height is shared above and below.
 constexpr int kMaxBarHeight = 28;
 constexpr int kMinBarHeight = 6;
@@ -203,7 +206,7 @@ HorizontalMeter::Face HorizontalMeter::layoutFace()
 
     MeterLayout::Input input;
     input.barWidth = geometry().bar.width();
-    input.markerWidth = kMarkerWidth;
+    input.markerWidth = kMarkerWidth * markerScale();
     input.limitLower = m_limitLower;
     input.limitUpper = m_limitUpper;
     input.values = m_values;
@@ -246,18 +249,19 @@ void HorizontalMeter::updateToolTip()
 HorizontalMeter::Geometry HorizontalMeter::geometry() const
 {
     const QRect content = m_showBorder ? rect().adjusted(1, 1, -1, -1) : rect();
-    const int textHeight = fontMetrics().height();
-    const int barHeight = std::clamp(content.height() - 1 - kMarkerRowHeight - textHeight,
-                                     kMinBarHeight, kMaxBarHeight);
-    const int blockHeight = 1 + barHeight + kMarkerRowHeight + textHeight;
+    const int textHeight = QFontMetrics(labelFont()).height();
+    const int markerRows = kMarkerRowHeight * markerScale();
+    const int barHeight =
+        std::clamp(content.height() - 1 - markerRows - textHeight, kMinBarHeight, kMaxBarHeight);
+    const int blockHeight = 1 + barHeight + markerRows + textHeight;
     const int top = content.top() + std::max(0, (content.height() - blockHeight) / 2);
 
     Geometry geometry;
     geometry.bar = QRect(content.left(), top + 1, content.width(), barHeight);
     // The box's first row is blank, so the apex lands on the first row under the bar.
     geometry.markerTop = geometry.bar.bottom();
-    geometry.labels = QRect(content.left(), geometry.bar.bottom() + 1 + kMarkerRowHeight,
-                            content.width(), textHeight);
+    geometry.labels =
+        QRect(content.left(), geometry.bar.bottom() + 1 + markerRows, content.width(), textHeight);
     return geometry;
 }
 
@@ -270,7 +274,20 @@ QRect HorizontalMeter::markerBox(MeterMarker marker) const
 {
     const Geometry g = geometry();
     const int left = g.bar.left() + qRound(m_face.markerLeft[meterMarkerIndex(marker)]);
-    return QRect(left, g.markerTop, kMarkerWidth, kMarkerHeight);
+    return QRect(left, g.markerTop, kMarkerWidth * markerScale(), kMarkerHeight * markerScale());
+}
+
+int HorizontalMeter::markerScale() const
+{
+    return std::clamp(height() / kScaleStep, 1, kMaxScale);
+}
+
+QFont HorizontalMeter::labelFont() const
+{
+    QFont labels = font();
+    if (markerScale() > 1)
+        labels.setPointSizeF(labels.pointSizeF() * (1 + 0.3 * (markerScale() - 1)));
+    return labels;
 }
 
 QSize HorizontalMeter::sizeHint() const
@@ -281,8 +298,12 @@ QSize HorizontalMeter::sizeHint() const
 
 QSize HorizontalMeter::minimumSizeHint() const
 {
-    const int textHeight = fontMetrics().height();
-    return QSize(120, 1 + kMinBarHeight + kMarkerRowHeight + textHeight);
+    // Narrower, the two limit labels and the unit between them run into each other.
+    const QFontMetrics metrics = fontMetrics();
+    const int label = metrics.horizontalAdvance(QStringLiteral("-0000.0000"));
+    const int width = 2 * label + metrics.horizontalAdvance(QStringLiteral("mm/s")) +
+                      4 * metrics.averageCharWidth();
+    return QSize(width, 1 + kMinBarHeight + kMarkerRowHeight + metrics.height());
 }
 
 void HorizontalMeter::resizeEvent(QResizeEvent *event)
@@ -333,9 +354,11 @@ void HorizontalMeter::paintEvent(QPaintEvent *)
 
 void HorizontalMeter::drawMarker(QPainter &painter, const QRect &box, const QColor &color) const
 {
+    const int scale = markerScale();
     for (int row = 1; row <= kTriangleRows; ++row) {
-        const int halfWidth = row - 1;
-        painter.fillRect(QRect(box.left() + 5 - halfWidth, box.top() + row, 2 * halfWidth + 1, 1),
+        const int halfWidth = (row - 1) * scale;
+        painter.fillRect(QRect(box.left() + 5 * scale - halfWidth, box.top() + row * scale,
+                               2 * halfWidth + scale, scale),
                          color);
     }
 }
@@ -358,7 +381,8 @@ void HorizontalMeter::rebuildFrame(qreal devicePixelRatio)
     painter.fillRect(g.bar, frame.barColor);
     drawOutline(painter, g.bar, palette().color(QPalette::Shadow));
 
-    const QFontMetrics metrics = fontMetrics();
+    painter.setFont(labelFont());
+    const QFontMetrics metrics = painter.fontMetrics();
     const auto drawLimit = [&](double position, const QString &text) {
         const int x = g.bar.left() + qRound(position);
         // Two companion marks: a line across the bar and a tick below it.

@@ -142,6 +142,10 @@ public:
     // The bar and a marker box as the last layout placed them, in widget coordinates.
     QRect barRect() const;
     QRect markerBox(MeterMarker marker) const;
+    // How many times their normal size the markers and labels are drawn: a tall row, on a
+    // maximised window across the cell, gets markers and figures that can be read from
+    // there. 1 up to twice the usual height, at most 3.
+    int markerScale() const;
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
@@ -169,6 +173,7 @@ private:
     QString valueText(double value) const;
     void updateToolTip();
     Geometry geometry() const;
+    QFont labelFont() const;
     void rebuildFrame(qreal devicePixelRatio);
     void drawMarker(QPainter &painter, const QRect &box, const QColor &color) const;
 

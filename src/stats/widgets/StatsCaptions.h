@@ -2,19 +2,21 @@
 
 #include <QStringView>
 
-// Language tokens of the statistics displays. The count captions carry their numbers;
-// the other captions have no number of their own yet and show their default text until
-// the language tables give them one.
+// Language tokens of the statistics displays. Captions that the welder maker's tables do
+// not number take numbers from 7400.
 namespace StatsCaptions {
 
 inline constexpr QStringView kCount = u"1899|Count";
 inline constexpr QStringView kLSL = u"1180|LSL";
 inline constexpr QStringView kUSL = u"1178|USL";
-inline constexpr QStringView kMinimum = u"Minimum";
-inline constexpr QStringView kMaximum = u"Maximum";
-inline constexpr QStringView kAverage = u"Average";
-inline constexpr QStringView kLastValue = u"Last value";
-inline constexpr QStringView kTotal = u"Total";
-inline constexpr QStringView kClose = u"&Close";
+inline constexpr QStringView kMinimum = u"7401|Minimum";
+inline constexpr QStringView kMaximum = u"7402|Maximum";
+inline constexpr QStringView kAverage = u"7403|Average";
+inline constexpr QStringView kLastValue = u"7404|Last value";
+inline constexpr QStringView kTotal = u"7405|Total";
+inline constexpr QStringView kClose = u"7400|&Close";
+inline constexpr QStringView kNoValuesYet = u"7406|no values yet";
+inline constexpr QStringView kValues = u"7407|Values";
+inline constexpr QStringView kFolded = u"7408|oldest kept as a histogram only";
 
 } // namespace StatsCaptions

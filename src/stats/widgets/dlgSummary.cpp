@@ -1,5 +1,6 @@
 #include "dlgSummary.h"
 
+#include "BgrColor.h"
 #include "Histogram.h"
 #include "ScaledFont.h"
 #include "StatsCaptions.h"
@@ -58,6 +59,10 @@ dlgSummary::dlgSummary(const qlxLanguage &language, ErrorReport &errors, QWidget
     grid->setColumnMinimumWidth(2, 24);
     grid->setColumnStretch(5, 1);
 
+    // How many values the figures cover; in a long run, how many of them only as a tally.
+    m_lblCoverage = new QLabel(this);
+    m_lblCoverage->setObjectName(QStringLiteral("lblCoverage"));
+
     m_histogram = new Histogram(this);
     m_histogram->setObjectName(QStringLiteral("ctlHistogram"));
     m_histogram->setErrorReport(&m_errors);
@@ -75,6 +80,7 @@ dlgSummary::dlgSummary(const qlxLanguage &language, ErrorReport &errors, QWidget
     auto *layout = new QVBoxLayout(this);
     layout->addWidget(m_lblTitle);
     layout->addLayout(grid);
+    layout->addWidget(m_lblCoverage);
     layout->addWidget(m_histogram, 1);
     layout->addLayout(buttons);
 }
@@ -118,7 +124,7 @@ qint32 dlgSummary::CountLSL() const
     return passOn("dlgSummary.CountLSL", [this] {
         return countBelow(
             std::span<const double>(m_figures.Values.constData(), m_figures.Values.size()),
-            m_figures.LSL);
+            m_figures.LSL, m_figures.Folded);
     });
 }
 
@@ -127,7 +133,7 @@ qint32 dlgSummary::CountUSL() const
     return passOn("dlgSummary.CountUSL", [this] {
         return countAbove(
             std::span<const double>(m_figures.Values.constData(), m_figures.Values.size()),
-            m_figures.USL);
+            m_figures.USL, m_figures.Folded);
     });
 }
 
@@ -155,10 +161,18 @@ void dlgSummary::Form_Load()
         m_lblCountUSLCaption->setText(translate(StatsCaptions::kCount) + QStringLiteral(" > ") +
                                       translate(StatsCaptions::kUSL));
 
+        // Before the first weld there are no figures, and a 0.0000 would read as a
+        // value: they stay empty and the plot says that no values came yet.
         const NumberPicture picture(m_figures.NumberFormat);
-        m_lblMinimum->setText(picture.format(m_figures.Minimum, locale()));
-        m_lblMaximum->setText(picture.format(m_figures.Maximum, locale()));
-        m_lblAverage->setText(picture.format(m_figures.Average, locale()));
+        const auto figure = [&](double value) {
+            if (m_figures.valueCount() == 0)
+                return QString();
+            const QString number = picture.format(value, locale());
+            return m_figures.Unit.isEmpty() ? number : number + u' ' + m_figures.Unit;
+        };
+        m_lblMinimum->setText(figure(m_figures.Minimum));
+        m_lblMaximum->setText(figure(m_figures.Maximum));
+        m_lblAverage->setText(figure(m_figures.Average));
 
         const qint32 below = CountLSL();
         m_lblCountLSL->setText(QString::number(below));
@@ -168,12 +182,27 @@ void dlgSummary::Form_Load()
             throw ProgramError::overflow(QStringLiteral("dlgSummary.Form_Load"));
         m_lblTotal->setText(QString::number(below + above));
 
+        QString coverage =
+            translate(StatsCaptions::kValues) + QStringLiteral(": %1").arg(m_figures.valueCount());
+        if (m_figures.FoldedCount > 0)
+            coverage += QStringLiteral(" (%1: %2)")
+                            .arg(translate(StatsCaptions::kFolded))
+                            .arg(m_figures.FoldedCount);
+        m_lblCoverage->setText(coverage);
+
         m_histogram->setAutoRefresh(false);
         m_histogram->setLimits(m_figures.LSL, m_figures.USL);
         m_histogram->setWarningUpper(m_figures.WarningUpper);
         m_histogram->setWarningLower(m_figures.WarningLower);
         m_histogram->setNumberFormat(m_figures.NumberFormat);
-        m_histogram->setValues(m_figures.Values);
+        m_histogram->setValues(m_figures.Values, m_figures.Folded);
+        m_histogram->setEmptyText(translate(StatsCaptions::kNoValuesYet));
+        // Bars beyond a specification limit red, beyond a warning limit yellow, so the
+        // share out of specification is seen at once.
+        m_histogram->setLimitLowerColor(BgrColor::toColor(BgrColor::kRed));
+        m_histogram->setLimitUpperColor(BgrColor::toColor(BgrColor::kRed));
+        m_histogram->setWarningLowerColor(BgrColor::toColor(BgrColor::kYellow));
+        m_histogram->setWarningUpperColor(BgrColor::toColor(BgrColor::kYellow));
         m_histogram->Refresh();
     });
 }

@@ -72,6 +72,7 @@ private:
     QLabel *m_lblCountLSL = nullptr;
     QLabel *m_lblCountUSL = nullptr;
     QLabel *m_lblTotal = nullptr;
+    QLabel *m_lblCoverage = nullptr;
     Histogram *m_histogram = nullptr;
     QPushButton *m_bnClose = nullptr;
 };

@@ -16,10 +16,12 @@
 
 #include <QAbstractItemModel>
 #include <QComboBox>
+#include <QDomDocument>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSignalSpy>
+#include <QSplitter>
 #include <QTest>
 #include <QToolButton>
 
@@ -115,9 +117,10 @@ private slots:
         for (int row = 0; row < kRows; ++row) {
             auto *selector = face.rowControl<QComboBox>("cboCharacteristic", row);
             QVERIFY(selector && face.meter(row) && face.rowControl<QToolButton>("bnSetup", row));
-            QCOMPARE(selector->count(), 8);
-            QCOMPARE(selector->itemData(row).toInt(), row + 1);
-            QCOMPARE(selector->itemText(kEnergy - 1), QStringLiteral("Energy"));
+            QCOMPARE(selector->count(), 9);
+            QCOMPARE(selector->itemText(0), QStringLiteral("(none)"));
+            QCOMPARE(selector->itemData(row + 1).toInt(), row + 1);
+            QCOMPARE(selector->itemText(kEnergy), QStringLiteral("Energy"));
             face.monitor().setRowSelection(row, row + 1);
         }
         face.start();
@@ -339,6 +342,9 @@ private slots:
         QCoreApplication::processEvents();
         QVERIFY(face.meter(3)->meterEnabled());
         QCOMPARE(face.meter(3)->ValueCurrent(), face.dataset(kEnergy).LastValue());
+        // "(none)" empties the row again.
+        selector->setCurrentIndex(0);
+        QCOMPARE(face.monitor().rowSelection(3), 0);
 
         // The monitor's configuration chooses rows too, and its shutdown clears them.
         face.stop();
@@ -349,9 +355,16 @@ private slots:
         QVERIFY(face.monitor().ShutDown());
         QCoreApplication::processEvents();
         for (int row = 0; row < kRows; ++row) {
-            QCOMPARE(face.rowControl<QComboBox>("cboCharacteristic", row)->currentIndex(), -1);
+            QCOMPARE(face.rowControl<QComboBox>("cboCharacteristic", row)->currentText(),
+                     QStringLiteral("(none)"));
             QVERIFY(!face.meter(row)->meterEnabled());
         }
+
+        // A new welder's configuration shows every characteristic in its usual order.
+        QVERIFY(face.monitor().Load(QString()));
+        QCoreApplication::processEvents();
+        for (int row = 0; row < kRows; ++row)
+            QCOMPARE(face.rowControl<QComboBox>("cboCharacteristic", row)->currentData(), row + 1);
     }
 
     void aBurstOfWeldsIsDrawnOnce()
@@ -470,6 +483,55 @@ private slots:
         QCOMPARE(face.label("lblConnection"), QStringLiteral("Connected"));
         QVERIFY(icon->isHidden());
         QVERIFY(face.fixture.errors.isEmpty());
+    }
+
+    // At the smallest size the face allows, every row is whole and each meter has room
+    // for its two limit labels and its unit; the face fits a 1024 x 768 screen.
+    void legibleAtItsSmallestSize()
+    {
+        Face face;
+        face.view->resize(face.view->minimumSizeHint());
+        QVERIFY(face.view->width() <= 1000 && face.view->height() <= 640);
+        face.view->show();
+        QVERIFY(QTest::qWaitForWindowExposed(face.view.get()));
+        const QFontMetrics metrics = face.meter(0)->fontMetrics();
+        const int labels = metrics.horizontalAdvance(QStringLiteral("-0000.0000 mm/s -0000.0000"));
+        const QWidget *rows = face.control<QWidget>(QStringLiteral("rows"));
+        for (int row = 0; row < kRows; ++row) {
+            HorizontalMeter *meter = face.meter(row);
+            QVERIFY2(meter->width() > labels, qPrintable(QString::number(meter->width())));
+            const QRect area(meter->mapTo(rows, QPoint(0, 0)), meter->size());
+            QVERIFY(rows->rect().contains(area) &&
+                    meter->height() >= meter->minimumSizeHint().height());
+        }
+    }
+
+    // The engineer drags the alarms list taller; the height stays with the configuration
+    // and comes back with it.
+    void alarmsListHeightIsKept()
+    {
+        Face face;
+        face.view->show();
+        QVERIFY(QTest::qWaitForWindowExposed(face.view.get()));
+        auto *splitter = face.control<QSplitter>(QStringLiteral("splAlarms"));
+        const int before = splitter->sizes().constLast();
+        QSplitterHandle *handle = splitter->handle(1);
+        const QPoint grip = handle->rect().center();
+        QTest::mousePress(handle, Qt::LeftButton, {}, grip);
+        QTest::mouseMove(handle, grip - QPoint(0, 80));
+        QTest::mouseRelease(handle, Qt::LeftButton, {}, grip - QPoint(0, 80));
+        const int after = splitter->sizes().constLast();
+        QVERIFY(after > before);
+        QCOMPARE(face.monitor().configuration().alarmListHeight, after);
+
+        QDomDocument saved;
+        saved.appendChild(saved.importNode(face.monitor().GetXMLNode(), true));
+        Face again;
+        QVERIFY(again.monitor().Load(saved.toString()));
+        again.view->show();
+        QVERIFY(QTest::qWaitForWindowExposed(again.view.get()));
+        QTRY_COMPARE(again.control<QSplitter>(QStringLiteral("splAlarms"))->sizes().constLast(),
+                     after);
     }
 };
 

@@ -101,9 +101,11 @@ private slots:
         QTest::newRow("minutes") << "90" << 1 << 5400;
         QTest::newRow("hours") << "2" << 2 << 7200;
         QTest::newRow("seconds") << "45" << 0 << 45;
+        // No period, or none above 0: refused with a message, and nothing is copied.
         QTest::newRow("empty") << "" << 2 << 0;
+        QTest::newRow("zero") << "0" << 1 << 0;
         QTest::newRow("largest period") << "2147483647" << 0 << 2147483647;
-        // Too long for 32 bits: refused, and nothing is copied.
+        // Too long for 32 bits: refused as an error, and nothing is copied.
         QTest::newRow("overflow") << "600000" << 2 << -1;
     }
 
@@ -120,12 +122,18 @@ private slots:
         retype(&dialog, "txtInterval", typed);
         control<QComboBox>(&dialog, "cboUnit")->setCurrentIndex(unit);
         click(&dialog, "OKButton");
-        if (seconds >= 0) {
+        if (seconds > 0) {
             QVERIFY(dialog.isAccepted());
             QCOMPARE(test.sampling->SamplingPeriod(), seconds);
             return;
         }
         QVERIFY(dialog.isVisible());
+        QCOMPARE(settingsText(*test.sampling), before);
+        if (seconds == 0) {
+            QCOMPARE(test.fixture.messages.count(), 1);
+            QVERIFY(test.fixture.messages.last().text.contains(QStringLiteral("above 0")));
+            return;
+        }
         QCOMPARE(test.fixture.errors.count(), 1);
         QCOMPARE(test.fixture.errors.last().location, QStringLiteral("dlgSampling.OKButton_Click"));
         QCOMPARE(test.fixture.errors.last().number, qint32(ProgramError::kOverflow));
@@ -150,10 +158,8 @@ private slots:
         QCOMPARE(edit->text(), QStringLiteral("12"));
         QTest::keyClicks(edit, QStringLiteral("-.,x Z"));
         QCOMPARE(edit->text(), QStringLiteral("12"));
-        // From "~" on, characters have always passed unfiltered.
         QTest::keyClicks(edit, QStringLiteral("~"));
-        QCOMPARE(edit->text(), QStringLiteral("12~"));
-        QTest::keyClick(edit, Qt::Key_Backspace);
+        QCOMPARE(edit->text(), QStringLiteral("12"));
         QTest::keyClick(edit, Qt::Key_Backspace);
         QTest::keyClicks(edit, QStringLiteral("09"));
         QCOMPARE(edit->text(), QStringLiteral("109"));
@@ -349,36 +355,32 @@ private slots:
             QStringLiteral("Unable To Connect\r\n\r\n") + unreachable));
     }
 
-    void dataSourceButtonConnectsTheMonitorsDatabase()
+    // A chosen source is looked at through the dialog's own connection; the monitor's
+    // database changes on OK only, so a Cancel leaves a collecting monitor as it was.
+    void dataSourceIsTakenOnOkOnly()
     {
         DialogCase test;
         QTemporaryDir other;
         const QString chosen = QDir(other.path()).filePath(QStringLiteral("plant.db"));
         QVERIFY(SamplingWidgetFixture::fillDatabase(chosen));
-        dlgSampling &dialog = test.open();
-        auto *shown = control<QLabel>(&dialog, "lblDSN");
-        QCOMPARE(shown->toolTip(), test.fixture.databasePath());
-
-        QString offered;
-        ModalAnswer chooser(QStringLiteral("dlgDataSource"), [&](QDialog *source) {
-            offered = control<QLineEdit>(source, "txtFile")->text();
-            retype(source, "txtFile", chosen);
-            click(source, "OKButton");
-        });
-        click(&dialog, "bnDSN");
-        QVERIFY(chooser.seen());
-        QCOMPARE(offered, test.fixture.databasePath());
+        const QString before = test.fixture.databasePath();
+        for (const char *closer : {"CancelButton", "OKButton"}) {
+            dlgSampling &dialog = test.open();
+            auto *shown = control<QLabel>(&dialog, "lblDSN");
+            QString offered;
+            ModalAnswer chooser(QStringLiteral("dlgDataSource"), [&](QDialog *source) {
+                offered = control<QLineEdit>(source, "txtFile")->text();
+                retype(source, "txtFile", chosen);
+                click(source, "OKButton");
+            });
+            click(&dialog, "bnDSN");
+            QCOMPARE(offered, before);
+            QCOMPARE(shown->toolTip(), chosen);
+            QCOMPARE(test.sampling->DataSourceName(), before);
+            click(&dialog, closer);
+        }
         QCOMPARE(test.sampling->DataSourceName(), chosen);
-        QVERIFY(test.sampling->database().isConnected());
-        QCOMPARE(shown->toolTip(), chosen);
         QVERIFY(test.fixture.messages.isEmpty());
-
-        // Any connection of the database shows the source it connected to.
-        const QString elsewhere = QDir(other.path()).filePath(QStringLiteral("line2.db"));
-        test.sampling->setDataSourceName(elsewhere);
-        QCOMPARE(shown->toolTip(), chosen);
-        QVERIFY(test.sampling->database().openConnection());
-        QCOMPARE(shown->toolTip(), elsewhere);
     }
 
     void aLongDataSourceKeepsItsFileNameInView()
@@ -398,9 +400,20 @@ private slots:
         QCOMPARE(shown->text(), deep);
     }
 
+    void looksInOrder_data()
+    {
+        QTest::addColumn<bool>("german");
+        QTest::newRow("built-in") << false;
+        QTest::newRow("German") << true;
+    }
+
     void looksInOrder()
     {
+        QFETCH(bool, german);
         DialogCase test;
+        if (german)
+            QVERIFY(test.fixture.language.loadTable(
+                QStringLiteral(CORVANE_SOURCE_DIR "/translations/corvane-monitor.de.lang")));
         test.sampling->setPart(QStringLiteral("BRK-100"));
         test.sampling->setEnableAlarmLogging(true);
         dlgSampling &dialog = test.open();
@@ -414,7 +427,7 @@ private slots:
                 continue;
             const QRect area(child->mapTo(&dialog, QPoint(0, 0)), child->size());
             QVERIFY2(dialog.rect().contains(area), qPrintable(child->objectName()));
-            if (qobject_cast<QAbstractButton *>(child))
+            if (qobject_cast<QAbstractButton *>(child) || qobject_cast<QComboBox *>(child))
                 QVERIFY2(child->width() >= child->minimumSizeHint().width(),
                          qPrintable(child->objectName()));
         }

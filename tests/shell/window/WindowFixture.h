@@ -2,6 +2,7 @@
 
 #include "ManualClock.h"
 #include "RecordingErrorReport.h"
+#include "RecordingMessageBoxes.h"
 
 #include "platform/ProgramFiles.h"
 #include "platform/SettingsStore.h"
@@ -53,6 +54,8 @@ public:
     {
         return m_document.documentElement().attribute(QStringLiteral("Sampling")) == u'1';
     }
+    WelderCondition condition() const override { return shownCondition; }
+    DataSourceState dataSource() const override { return shownSource; }
     void StartStop() override { m_state = m_state == 1 ? 2 : 1; }
     void StartDataCollection() override { m_state = 2; }
     void StopDataCollection() override { m_state = 1; }
@@ -61,6 +64,8 @@ public:
 
     bool refuseAll = false;
     int shutDowns = 0;
+    WelderCondition shownCondition = WelderCondition::Stopped;
+    DataSourceState shownSource;
 
 private:
     QDomElement equipment() const
@@ -118,11 +123,11 @@ struct WindowFixture
         : settings(path(QStringLiteral("settings.ini")))
         , files(folder.path())
         , help(QStringLiteral(CORVANE_SOURCE_DIR "/help/corvane-monitor.Help.Map"),
-               [this](const QUrl &url) { return helpPages.append(url), true; })
+               [this](const QUrl &url) { return helpPages.append(url), desktopOpens; })
         , database(
               errors, files, [] { return true; }, libraryFlag,
               [this](const DatabaseSupport::ViewerCommand &command) {
-                  return viewerCommands.append(command), true;
+                  return viewerCommands.append(command), desktopOpens;
               })
     {}
 
@@ -168,6 +173,7 @@ struct WindowFixture
             .commands = commands,
             .help = help,
             .database = database,
+            .messages = messages,
             .regionalUnits = MeasurementSystem::Metric,
         });
         window->Form_Load();
@@ -189,6 +195,9 @@ struct WindowFixture
     QtSettingsStore settings;
     ProgramFiles files;
     ScriptedCommands commands;
+    RecordingMessageBoxes messages;
+    // Whether the desktop starts a browser for help and a viewer for the event log.
+    bool desktopOpens = true;
     QList<QUrl> helpPages;
     HelpModule help;
     DatabaseSupport::LibraryFlag libraryFlag;

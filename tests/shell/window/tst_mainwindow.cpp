@@ -1,6 +1,8 @@
 #include "WindowFixture.h"
 
+#include "shell/window/InstalledFiles.h"
 #include "shell/window/ProgramVersion.h"
+#include "shell/window/WelderStatus.h"
 #include "shell/window/dlgSplash.h"
 
 #include <QAction>
@@ -14,6 +16,7 @@
 #include <QSystemTrayIcon>
 #include <QTest>
 #include <QTimer>
+#include <QTranslator>
 
 // The main window over fake monitors: tabs from the configurations file, the selection
 // rules of Remove, the enabling of the menus, hiding versus shutting down, the automatic
@@ -55,6 +58,22 @@ private:
             tree << (item->isSeparator() ? QStringLiteral("-") : item->objectName())
                  << (item->menu() ? menuTree(item->menu()->actions()) : QString());
         return tree.join(u' ').simplified();
+    }
+
+    // The captions whose access key an earlier item of the same menu level has.
+    static QStringList clashingAccessKeys(const QList<QAction *> &actions)
+    {
+        QStringList keys, clashes;
+        for (QAction *item : actions) {
+            const QString text = item->menu() ? item->menu()->title() : item->text();
+            const QString key = text.section(u'&', 1).left(1).toLower();
+            if (!key.isEmpty() && keys.contains(key))
+                clashes << text;
+            keys << key;
+            if (item->menu())
+                clashes << clashingAccessKeys(item->menu()->actions());
+        }
+        return clashes;
     }
 
 private slots:
@@ -235,6 +254,7 @@ private slots:
         // A file that could not be read is no first start.
         QVERIFY(window.autoAddTimer() == nullptr);
 
+        f().commands.names = QStringList{"Press 1"};
         window.mnuAdd_Click();
         QSignalSpy unloaded(&window, &dlgMain::unloaded);
         window.mnuShutDown_Click();
@@ -328,6 +348,18 @@ private slots:
         QCOMPARE(menuTree(menus.mnuPopup->actions()),
                  QStringLiteral("mnuOpenWindow - mnuViewErrorLog - mnuShutDown2"));
         QCOMPARE(menus.mnuStartStop->shortcut(), QKeySequence(Qt::Key_F5));
+        // Every menu's access keys are its own, Start as well as Stop.
+        for (QStringView startStop : {u"3786|&Start", u"929|&Stop"}) {
+            menus.mnuStartStop->setText(window.language().Translate(startStop));
+            QCOMPARE(clashingAccessKeys(window.menuBar()->actions()), QStringList());
+        }
+        QCOMPARE(clashingAccessKeys(menus.mnuPopup->actions()), QStringList());
+        // Qt's own buttons and file chooser speak the language too.
+        QTranslator qtTexts;
+        QCOMPARE(InstalledFiles::loadQtTexts(qtTexts, table.isEmpty() ? QString() : "de"),
+                 !table.isEmpty());
+        QCOMPARE(qtTexts.translate("QPlatformTheme", "Cancel"),
+                 table.isEmpty() ? QString() : QStringLiteral("Abbrechen"));
         QVERIFY(f().errors.isEmpty());
     }
 
@@ -344,6 +376,7 @@ private slots:
         QCOMPARE(f().helpPages.size(), 2);
         QCOMPARE(f().helpPages[0].fileName(), QStringLiteral("contents.html"));
         QCOMPARE(f().helpPages[1].fileName(), QStringLiteral("getting-started.html"));
+        f().write(QStringLiteral("corvane-monitor.log"), "23.11.2026 14:00 Press 1: refused\n");
         window.menus().mnuViewErrorLog->trigger();
         QCOMPARE(f().viewerCommands.size(), 1);
         const DatabaseSupport::ViewerCommand &viewer = f().viewerCommands[0];
@@ -374,6 +407,72 @@ private slots:
         QCOMPARE(f().errors.count(), 1);
         QCOMPARE(f().errors.last().location, QStringLiteral("dlgMain.mnuGettingStarted_Click"));
         QVERIFY(f().errors.last().source.startsWith(QLatin1String("HelpModule.")));
+    }
+
+    // Cancel in the Equipment Settings that Add opened takes the new welder back, so no
+    // nameless one is saved and the next start offers Add again.
+    void cancelledAddLeavesNoWelder()
+    {
+        dlgMain &window = f().open();
+        QTRY_COMPARE_WITH_TIMEOUT(f().commands.calls.size(), 1, 5000);
+        QCOMPARE(window.ConfigurationCount(), 0);
+        window.mnuShutDown_Click();
+        QVERIFY(!f().read().contains("<Equipment"));
+        QVERIFY(f().open().autoAddTimer() != nullptr);
+    }
+
+    // Without a browser or viewer, or without an event log yet, the user is told which
+    // file it is and why it does not open.
+    void helpAndLogThatCannotBeShownAreExplained()
+    {
+        f().desktopOpens = false;
+        dlgMain &window = f().open();
+        window.menus().mnuViewErrorLog->trigger();
+        f().write(QStringLiteral("corvane-monitor.log"), "23.11.2026 14:00 Press 1: refused\n");
+        window.menus().mnuViewErrorLog->trigger();
+        window.menus().mnuGettingStarted->trigger();
+        QStringList texts;
+        for (const auto &message : f().messages.messages)
+            texts << message.text.section(u' ', 4, 7);
+        QCOMPARE(texts, (QStringList{"is still empty: nothing", "cannot be opened: this",
+                                     "cannot be opened: this"}));
+        QVERIFY(f().messages.messages[0].text.contains(f().path("corvane-monitor.log")));
+        QVERIFY(f().messages.messages[2].text.contains(QStringLiteral("getting-started.html")));
+    }
+
+    // A welder whose link is down or whose last weld is out of specification shows it on
+    // its tab, however hidden; the tray counts the welders that are not connected.
+    void welderConditionsShowOnTabsAndTray()
+    {
+        writeThreeWelders();
+        dlgMain &window = f().open();
+        f().monitors[1]->shownCondition = WelderCondition::LinkDown;
+        f().monitors[2]->shownCondition = WelderCondition::OutOfSpecification;
+        window.welderStatus()->refresh();
+        QTabBar *tabs = window.tabStrip();
+        QVERIFY(tabs->tabIcon(0).isNull() && !tabs->tabIcon(1).isNull());
+        QVERIFY(tabs->tabIcon(1).cacheKey() != tabs->tabIcon(2).cacheKey());
+        QCOMPARE(tabs->tabToolTip(1), QStringLiteral("The link to the power supply is not up"));
+        // The window looks again by itself.
+        f().monitors[0]->shownCondition = WelderCondition::LinkDown;
+        const QString title = QLatin1String(WindowFixture::kTitle);
+        QTRY_COMPARE_WITH_TIMEOUT(window.trayIcon()->toolTip(),
+                                  title + QStringLiteral("\n2 welders not connected"), 3000);
+    }
+
+    // Closing the window says once that the program keeps running; About Data Source
+    // tells which SPC database the selected welder samples into and whether it is reached.
+    void trayNoticeAndAboutDataSource()
+    {
+        f().writeConfigurations({welder("Press 2", " Sampling=\"1\"")});
+        dlgMain &window = f().open();
+        window.close();
+        QVERIFY(window.trayNoticeGiven() && !window.isVisible());
+        f().monitors[0]->shownSource = {QStringLiteral("postgresql://spc@qs/plant"), true};
+        window.mnuAboutDB_Click();
+        QCOMPARE(f().messages.last().text,
+                 QStringLiteral("Data source name: postgresql://spc@qs/plant\nKind: The plant's "
+                                "database server (PostgreSQL)\nState: Connected"));
     }
 
     void aboutBoxWithoutBuildNumber()

@@ -7,6 +7,7 @@
 #include <QRegularExpression>
 #include <QSet>
 #include <QTest>
+#include <algorithm>
 
 namespace {
 
@@ -91,6 +92,52 @@ QString words(const QString &text)
 }
 
 const QString kTablesFolder = QStringLiteral(CORVANE_SOURCE_DIR "/translations");
+
+// Whether a literal's text is words a user reads: a letter outside escape sequences,
+// and no language number in front. Names shown as they stand in every language are
+// listed by the caller.
+bool isBareCaption(const QString &literal)
+{
+    static const QRegularExpression escapes(QStringLiteral("\\\\(u[0-9a-fA-F]{4}|.)"));
+    static const QRegularExpression numbered(QStringLiteral("^\\d+\\|"));
+    const QString text = QString(literal).remove(escapes);
+    return !numbered.match(literal).hasMatch() &&
+           std::any_of(text.cbegin(), text.cend(), [](QChar c) { return c.isLetter(); });
+}
+
+// The places in a source's text where a caption bypasses the language service: a
+// literal handed to a control's text, title, tooltip, list or message box, a token
+// without a number handed to the service, and in a captions header any token without
+// a number. Object names, log categories, settings keys and error descriptions are
+// handed to other calls and are not captions.
+QStringList bypassingCaptions(const QString &content, bool captionsHeader)
+{
+    static const QString literal =
+        QStringLiteral("(?:QStringLiteral|QLatin1String|QString::fromUtf8|tr)?\\(?\\s*u?"
+                       "\"((?:[^\"\\\\\\n]|\\\\.)*)\"");
+    static const QRegularExpression handedToControl(
+        QStringLiteral("\\b(?:setText|setTitle|setWindowTitle|setToolTip|setPlaceholderText|"
+                       "addItem|addButton|setHeaderLabels|setHorizontalHeaderLabels|showMessage|"
+                       "critical|question|information|warning|[Tt]ranslate|new Q(?:PushButton|"
+                       "Label|CheckBox|RadioButton|GroupBox|ToolButton))\\(\\s*\\{?\\s*") +
+        literal);
+    // A token's first literal; the pieces of a text continued over lines follow a literal.
+    static const QRegularExpression anyToken(
+        QStringLiteral("[={,]\\s*u\"((?:[^\"\\\\\\n]|\\\\.)*)\""));
+    // Shown as they stand in every language: the SPC database product's name.
+    static const QStringList names{QStringLiteral("Meridal Ambrel")};
+    QStringList found;
+    for (const QRegularExpression *pattern : {&handedToControl, &anyToken}) {
+        if (pattern == &anyToken && !captionsHeader)
+            continue;
+        for (auto match = pattern->globalMatch(content); match.hasNext();) {
+            const QString text = match.next().captured(1);
+            if (isBareCaption(text) && !names.contains(text))
+                found.append(text);
+        }
+    }
+    return found;
+}
 
 } // namespace
 
@@ -194,6 +241,48 @@ private slots:
                                     .arg(it->first().text, it->first().place));
         }
         QVERIFY2(problems.isEmpty(), qPrintable(problems.join(u'\n')));
+    }
+
+    // Every caption of a window goes through the language service with a number; one
+    // that does not stays English under every language.
+    void noCaptionBypassesTheLanguageService()
+    {
+        // The scan finds what it looks for, and only that.
+        QCOMPARE(bypassingCaptions(QStringLiteral("b->setText(QStringLiteral(\"Close\"));"
+                                                  "b->setObjectName(QStringLiteral(\"bnClose\"));"
+                                                  "new QLabel(u\"7000|Last weld\", this);"),
+                                   false),
+                 QStringList{"Close"});
+
+        QStringList problems;
+        const QDir sources(QStringLiteral(CORVANE_SOURCE_DIR "/src"));
+        QDirIterator files(sources.path(), {QStringLiteral("*.cpp"), QStringLiteral("*.h")},
+                           QDir::Files, QDirIterator::Subdirectories);
+        while (files.hasNext()) {
+            const QString path = files.next();
+            QFile file(path);
+            QVERIFY(file.open(QIODevice::ReadOnly));
+            for (const QString &text :
+                 bypassingCaptions(QString::fromUtf8(file.readAll()), path.endsWith(u"Captions.h")))
+                problems.append(sources.relativeFilePath(path) + QStringLiteral(": ") + text);
+        }
+        QVERIFY2(problems.isEmpty(), qPrintable(problems.join(u'\n')));
+    }
+
+    // One part, two parts: the singular for one only, in both languages.
+    void countsInWords()
+    {
+        qlxLanguage english, german;
+        QVERIFY(
+            german.loadTable(QDir(kTablesFolder)
+                                 .filePath(qlxLanguage::tableFileName(
+                                     QStringLiteral("corvane-monitor"), QStringLiteral("de")))));
+        const auto parts = [](const qlxLanguage &language, int count) {
+            return language.TranslateCount(u"7330|%1 part", u"7331|%1 parts", count);
+        };
+        QCOMPARE(
+            (QStringList{parts(english, 1), parts(english, 0), parts(german, 1), parts(german, 2)}),
+            (QStringList{"1 part", "0 parts", "1 Teil", "2 Teile"}));
     }
 
     void captionsTakeTheFormOfTheirPlace_data()
