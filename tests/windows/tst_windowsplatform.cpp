@@ -57,10 +57,12 @@ private:
         return folder;
     }
 
-    static void startMonitor(QProcess &process, const QString &dataFolder)
+    static void startMonitor(QProcess &process, const QString &dataFolder, bool headless = true)
     {
-        process.start(QStringLiteral(CORVANE_MONITOR_EXE),
-                      {QStringLiteral("--headless"), QStringLiteral("--data-dir"), dataFolder});
+        QStringList arguments{QStringLiteral("--data-dir"), dataFolder};
+        if (headless)
+            arguments.prepend(QStringLiteral("--headless"));
+        process.start(QStringLiteral(CORVANE_MONITOR_EXE), arguments);
         QVERIFY(process.waitForStarted(10000));
     }
 
@@ -152,23 +154,28 @@ private slots:
                  qPrintable(database.lastErrorText()));
     }
 
+    // Between real processes over the platform's lock and local socket (a named pipe).
     void secondStartHandsOverToTheRunningOne()
     {
         QTemporaryDir folder;
         QProcess first;
-        startMonitor(first, folder.filePath(QStringLiteral("first")));
+        startMonitor(first, folder.path());
         QByteArray seen;
         QTRY_VERIFY_WITH_TIMEOUT((seen += first.readAllStandardError()).contains("watching"),
                                  20000);
 
-        const QString untouched = folder.filePath(QStringLiteral("second"));
-        QProcess second;
-        startMonitor(second, untouched);
-        QVERIFY2(second.waitForFinished(20000), "the second start did not end");
-        QCOMPARE(second.exitCode(), 0);
-        QVERIFY(!QFileInfo::exists(untouched));
+        // A window start hands over and ends; a second service on the folder is refused.
+        QProcess window;
+        startMonitor(window, folder.path(), false);
+        QVERIFY2(window.waitForFinished(20000), "the window start did not end");
+        QCOMPARE(window.exitCode(), 0);
         QTRY_VERIFY_WITH_TIMEOUT(
             (seen += first.readAllStandardError()).contains("another start asked"), 10000);
+        QProcess service;
+        startMonitor(service, folder.path());
+        QVERIFY(service.waitForFinished(20000));
+        QCOMPARE(service.exitCode(), 1);
+        QVERIFY(service.readAllStandardError().contains("an instance already runs"));
         QCOMPARE(first.state(), QProcess::Running);
         first.kill();
         QVERIFY(first.waitForFinished(10000));
