@@ -10,6 +10,7 @@ packages=(
   clang libclang-rt-14-dev
   libbenchmark-dev
   postgresql sqlite3 socat xvfb xauth xdg-utils
+  libmosquitto-dev mosquitto mosquitto-clients openssl
 )
 # The Windows cross-build and wine, only where the Qt SDK for MinGW is at hand (some
 # 700 MB that a machine without the SDK would never use).

@@ -2,9 +2,10 @@
 # Installs what is missing, builds, and runs every test: the Qt Test suites in an
 # optimised build, the same suites under AddressSanitizer and UndefinedBehaviorSanitizer,
 # and the parser's fuzz target for a bounded time. The suites of the plant-wide SPC
-# database run against a throwaway PostgreSQL server that this script starts and stops.
-# Where the Qt SDK for MinGW-w64 is at hand, the Windows build is made and tested under
-# wine as well, and its zip packed.
+# database run against a throwaway PostgreSQL server, and those of MQTT publishing
+# against a throwaway mosquitto broker, that this script starts and stops. Where the Qt
+# SDK for MinGW-w64 is at hand, the Windows build is made and tested under wine as well,
+# and its zip packed.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -17,13 +18,13 @@ fuzz_seconds=${CORVANE_FUZZ_SECONDS:-60}
 echo "== Build and test (ci)"
 cmake --preset ci >/dev/null
 cmake --build --preset ci -j "$jobs"
-scripts/with-postgres.sh ctest --preset ci -j "$jobs"
+scripts/with-postgres.sh scripts/with-mosquitto.sh ctest --preset ci -j "$jobs"
 
 echo "== Build and test under ASan + UBSan"
 cmake --preset asan-ubsan >/dev/null
 cmake --build --preset asan-ubsan -j "$jobs"
 ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
-    scripts/with-postgres.sh ctest --preset asan-ubsan -j "$jobs"
+    scripts/with-postgres.sh scripts/with-mosquitto.sh ctest --preset asan-ubsan -j "$jobs"
 
 echo "== Fuzz the frame parser for ${fuzz_seconds} s"
 fuzz/run.sh build/asan-ubsan "$fuzz_seconds"

@@ -39,6 +39,8 @@ public:
 
     // The SPC part that subgroups are stored for, shown in the monitor's part box.
     virtual QString Part() const { return {}; }
+    // The SPC process that subgroups are stored for.
+    virtual QString Process() const { return {}; }
     // The SPC database's data source name and whether it is connected now; no source
     // without SPC sampling.
     virtual QString DataSourceName() const { return {}; }

@@ -72,7 +72,7 @@ public:
     void setPart(const QString &part) { m_part = part; }
     bool AllowPartReselect() const { return m_allowPartReselect; }
     void setAllowPartReselect(bool allow) { m_allowPartReselect = allow; }
-    const QString &Process() const { return m_process; }
+    QString Process() const override { return m_process; }
     void setProcess(const QString &process) { m_process = process; }
     // Seconds.
     qint32 SamplingPeriod() const { return m_samplingPeriod; }

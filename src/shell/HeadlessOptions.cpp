@@ -1,7 +1,7 @@
 #include "HeadlessOptions.h"
 
 #include "TerminationSignals.h"
-
+#include "mqtt/MqttSettings.h"
 #include "platform/ProgramFiles.h"
 
 #include <QCommandLineParser>
@@ -15,8 +15,9 @@ std::optional<HeadlessOptions> HeadlessOptions::parse(const QStringList &argumen
     const QCommandLineOption kValuesKept(QStringLiteral("values-kept"), QString(),
                                          QStringLiteral("N"));
     const QCommandLineOption kHelp(QStringList{QStringLiteral("h"), QStringLiteral("help")});
+    const QCommandLineOption kMqtt(QStringLiteral("mqtt"), QString(), QStringLiteral("URL"));
     QCommandLineParser parser;
-    parser.addOptions({kHeadless, kDataDir, kVerbose, kValuesKept, kHelp});
+    parser.addOptions({kHeadless, kDataDir, kVerbose, kValuesKept, kHelp, kMqtt});
     if (!parser.parse(arguments)) {
         if (errorText)
             *errorText = parser.errorText();
@@ -45,6 +46,13 @@ std::optional<HeadlessOptions> HeadlessOptions::parse(const QStringList &argumen
             return std::nullopt;
         }
     }
+    options.mqttUrl = parser.value(kMqtt);
+    QString urlError;
+    if (parser.isSet(kMqtt) && !MqttSettings().applyUrl(options.mqttUrl, &urlError)) {
+        if (errorText)
+            *errorText = urlError;
+        return std::nullopt;
+    }
     if (parser.isSet(kDataDir) && options.dataFolder.isEmpty()) {
         if (errorText)
             *errorText = QStringLiteral("--data-dir needs a folder.");
@@ -58,7 +66,7 @@ QString HeadlessOptions::usage()
     return QStringLiteral(
                "Usage: corvane-monitor [--headless] [--data-dir DIR] [--verbose] "
                "[--values-kept N]\n"
-               "                       [/debug]\n"
+               "                       [--mqtt URL] [/debug]\n"
                "Watches the welders of the configurations file in the data folder and logs\n"
                "their welds.\n"
                "\n"
@@ -72,6 +80,8 @@ QString HeadlessOptions::usage()
                "  --values-kept N Values of each characteristic kept one by one; older ones\n"
                "                  are folded into a histogram (default 2678400, a month at\n"
                "                  one weld a second).\n"
+               "  --mqtt URL      Publish every weld to an MQTT broker: mqtt://host[:port][/root]\n"
+               "                  or mqtts://... (overrides the [MQTT] preferences).\n"
                "  /debug          Replace received values by simulated ones.\n"
                "  -h, --help      Show this help.\n");
 }

@@ -20,6 +20,9 @@ struct HeadlessOptions
     // Values of each characteristic kept one by one before the oldest are folded.
     qint64 valuesKept = Dataset::kDefaultValueBound;
     bool help = false;
+    // --mqtt mqtt://host:port/root (or mqtts://): the broker to publish to, over the
+    // [MQTT] section of the preferences file.
+    QString mqttUrl;
 
     // The options of arguments (the program's name first). Unknown options, a missing
     // option value and stray arguments are bad usage: no options, and the reason in

@@ -1,5 +1,6 @@
 #include "HeadlessRunner.h"
 
+#include "BrokerPublishing.h"
 #include "ConfigurationSet.h"
 #include "EquipmentMonitorSlot.h"
 #include "ShellSettings.h"
@@ -64,6 +65,7 @@ bool HeadlessRunner::start()
     m_eventLog = std::make_unique<EventLog>(programFiles.eventLogPath(), m_clock);
     m_databaseSupport = std::make_unique<DatabaseSupport>(*m_errors, programFiles);
     m_messageBoxes = std::make_unique<HeadlessMessageBoxes>(*m_errors);
+    startBrokerPublishing();
 
     const auto makeSampling = [this, dataFolder = programFiles.dataFolder()] {
         return std::make_unique<SamplingProperties>(SamplingServices{
@@ -90,6 +92,8 @@ bool HeadlessRunner::start()
             .makeSampling = makeSampling,
         };
         auto monitor = std::make_unique<EquipmentMonitor>(std::move(services));
+        if (m_broker)
+            m_broker->watch(*monitor);
         if (m_options.verbose) {
             EquipmentMonitor *source = monitor.get();
             connect(source, &EquipmentMonitor::weldProcessed, this,
@@ -130,6 +134,8 @@ void HeadlessRunner::stop()
                            [&] { monitor.StopDataCollection(); });
         }
     }
+    if (m_broker)
+        m_broker->finish();
     if (m_loaded) {
         reportFailures(*m_errors, "dlgMain.Form_QueryUnload", [&] {
             m_configurations->WriteConfigurationFile(xmlText(m_configurations->GetXMLNode()));
@@ -142,6 +148,25 @@ void HeadlessRunner::stop()
         for (int i = 0; i < m_configurations->slotCount(); ++i)
             m_configurations->monitor(i).ShutDown();
     });
+}
+
+void HeadlessRunner::startBrokerPublishing()
+{
+    QString notice;
+    const MqttSettings settings =
+        BrokerPublishing::settingsFor(m_files.preferencesPath, m_options.mqttUrl, &notice);
+    m_broker =
+        BrokerPublishing::start(settings, *m_eventLog, m_files.measurementSystem, m_clock, &notice);
+    if (!notice.isEmpty())
+        std::fprintf(stderr, "corvane-monitor: %s\n", qPrintable(notice));
+    if (m_broker && m_options.verbose) {
+        // On standard error: standard output carries one line per weld and nothing else.
+        const auto show = [](const QString &text) {
+            std::fprintf(stderr, "%s\n", qPrintable(text));
+        };
+        connect(m_broker.get(), &BrokerPublishing::stateTextChanged, this, show);
+        show(m_broker->stateText());
+    }
 }
 
 void HeadlessRunner::printWeld(const QString &configurationName, const CorvaneFUN26 &record)

@@ -15,6 +15,7 @@
 #include <cstdio>
 #include <memory>
 
+class BrokerPublishing;
 class ConfigurationSet;
 class DatabaseSupport;
 class EventLog;
@@ -57,6 +58,7 @@ public:
 
 private:
     void printWeld(const QString &configurationName, const CorvaneFUN26 &record);
+    void startBrokerPublishing();
 
     HeadlessOptions m_options;
     SystemClock m_clock;
@@ -72,6 +74,7 @@ private:
     std::unique_ptr<EventLog> m_eventLog;
     std::unique_ptr<DatabaseSupport> m_databaseSupport;
     std::unique_ptr<HeadlessMessageBoxes> m_messageBoxes;
+    std::unique_ptr<BrokerPublishing> m_broker;
     std::unique_ptr<ConfigurationSet> m_configurations;
     bool m_loaded = false;
     bool m_started = false;

@@ -1,5 +1,6 @@
 #include "WeldLine.h"
 
+#include "monitor/AlarmNames.h"
 #include "platform/RegionalFormat.h"
 #include "platform/qlxLanguage.h"
 #include "protocol/AlarmCodes.h"
@@ -15,20 +16,8 @@ QStringList alarmNames(const CorvaneFUN26 &record, const qlxLanguage &language)
         AlarmGroup::Note,
     };
     QStringList names;
-    for (const AlarmGroup group : kGroups) {
-        const quint32 word = quint32(alarmWord(record, group));
-        if (word == 0)
-            continue;
-        const AlarmTable table = CorvaneUSWSupport::AlarmCodes(group);
-        for (int bit = 0; bit < 32; ++bit) {
-            if ((word & (1u << bit)) == 0)
-                continue;
-            // A bit that the table does not name is still an alarm the engineer must see.
-            names.append(table[size_t(bit)].isEmpty()
-                             ? QStringLiteral("bit %1").arg(bit)
-                             : language.Translate(table[size_t(bit)]).trimmed());
-        }
-    }
+    for (const AlarmGroup group : kGroups)
+        names += groupAlarmNames(record, group, language);
     return names;
 }
 

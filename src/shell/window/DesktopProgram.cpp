@@ -7,16 +7,36 @@
 #include "dlgMain.h"
 
 #include "platform/ErrorPassing.h"
+#include "shell/BrokerPublishing.h"
 #include "shell/TerminationSignals.h"
 
 #include <QApplication>
+#include <QLabel>
 #include <QLoggingCategory>
 #include <QSessionManager>
+#include <QStatusBar>
 #include <QTranslator>
 
 Q_LOGGING_CATEGORY(lcDesktop, "corvane.desktop")
 
 namespace DesktopProgram {
+
+namespace {
+
+// The broker connection in the main window's status bar, when a broker is set.
+void showBrokerState(dlgMain &window, const DesktopServices &services)
+{
+    BrokerPublishing *broker = services.brokerPublishing();
+    if (!broker && services.brokerNotice().isEmpty())
+        return;
+    auto *label = new QLabel(broker ? broker->stateText() : services.brokerNotice());
+    label->setObjectName(QStringLiteral("lblBroker"));
+    window.statusBar()->addPermanentWidget(label);
+    if (broker)
+        QObject::connect(broker, &BrokerPublishing::stateTextChanged, label, &QLabel::setText);
+}
+
+} // namespace
 
 int run(const StartupOptions &options, const QString &applicationTitle, SingleInstance &instance)
 {
@@ -44,6 +64,7 @@ int run(const StartupOptions &options, const QString &applicationTitle, SingleIn
             [&window](QSessionManager &) { window.Form_QueryUnload(dlgMain::AppWindows); });
         QObject::connect(&termination, &TerminationSignals::terminationRequested, &window,
                          [&window] { window.Form_QueryUnload(dlgMain::TaskManager); });
+        showBrokerState(window, services);
         window.Form_Load();
         window.show();
     });
@@ -54,6 +75,8 @@ int run(const StartupOptions &options, const QString &applicationTitle, SingleIn
     const int status = QApplication::exec();
     // Whatever ended the event loop, the configurations are saved once.
     window.Form_QueryUnload(dlgMain::TaskManager);
+    if (BrokerPublishing *broker = services.brokerPublishing())
+        broker->finish();
     return status;
 }
 

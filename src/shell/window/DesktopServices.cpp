@@ -9,6 +9,8 @@
 #include "platform/QtSerialPort.h"
 #include "platform/TcpSocketPort.h"
 #include "sampling/SamplingProperties.h"
+#include "shell/BrokerPublishing.h"
+#include "shell/ShellFiles.h"
 #include "shell/ShellSettings.h"
 
 DesktopServices::DesktopServices(const StartupOptions &options, const QString &applicationTitle,
@@ -39,6 +41,11 @@ DesktopServices::DesktopServices(const StartupOptions &options, const QString &a
     // A table that cannot be read is reported by the main window, which reads it too.
     if (!m_languageTable.isEmpty())
         m_errorWindowLanguage.loadTable(m_languageTable);
+    const ShellFiles files = ShellFiles::resolve(m_programFiles, *m_settings);
+    const MqttSettings broker = BrokerPublishing::settingsFor(
+        files.preferencesPath, options.program.mqttUrl, &m_brokerNotice);
+    m_broker = BrokerPublishing::start(broker, m_eventLog, files.measurementSystem, m_clock,
+                                       &m_brokerNotice);
 }
 
 DesktopServices::~DesktopServices() = default;
@@ -92,6 +99,8 @@ MonitorSlot DesktopServices::makeSlot(int slotIndex, const ShellFiles &files,
         .valueBound = m_valuesKept,
         .makeSampling = makeSampling,
     });
+    if (m_broker)
+        m_broker->watch(*monitor);
     auto *view = new CorvaneUsw(*monitor, m_errors);
     return {std::make_unique<WindowMonitorSlot>(std::move(monitor), view), view};
 }

@@ -22,6 +22,7 @@
 
 #include <memory>
 
+class BrokerPublishing;
 class SettingsStore;
 struct StartupOptions;
 
@@ -38,6 +39,11 @@ public:
 
     MainWindowServices windowServices();
     ErrorReport &errors() { return m_errors; }
+    // Publishing to the MQTT broker of the preferences file or --mqtt; null without one.
+    BrokerPublishing *brokerPublishing() const { return m_broker.get(); }
+    // Why nothing is published although a broker is set (a refused password file, a
+    // build without MQTT); empty otherwise.
+    const QString &brokerNotice() const { return m_brokerNotice; }
 
 private:
     MonitorSlot makeSlot(int slotIndex, const ShellFiles &files, const qlxLanguage &language);
@@ -65,4 +71,6 @@ private:
     // Made with the window's language for the first monitor; the monitors' part buttons
     // share it.
     std::unique_ptr<WidgetPartSelector> m_partSelector;
+    QString m_brokerNotice;
+    std::unique_ptr<BrokerPublishing> m_broker;
 };
