@@ -27,18 +27,49 @@ void DataLog::InitializeDataLogging(bool enabled, const QString &fileName,
 bool DataLog::AppendFile(const QString &fileName, const QString &line)
 {
     QFile file(fileName);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Append)) {
+    // Unbuffered: the whole line goes to the file in one write, so a reader never sees
+    // half of it unless the disk refuses the rest.
+    if (!file.open(QIODevice::ReadWrite | QIODevice::Append | QIODevice::Unbuffered)) {
         const ProgramError error = fileError(file, QStringLiteral("CorvaneUsw.AppendFile"));
         logFailure(QStringLiteral("Data Log Open"), error.number(), error.description(), fileName);
         return false;
     }
     const QByteArray bytes = (line + QStringLiteral("\r\n")).toUtf8();
-    if (file.write(bytes) != bytes.size() || !file.flush()) {
+    const qint64 whole = cutToLastCompleteLine(file);
+    if (whole < 0 || !file.seek(whole) || file.write(bytes) != bytes.size()) {
         const ProgramError error = fileError(file, QStringLiteral("CorvaneUsw.AppendFile"));
+        // What did reach the file of this line is taken back at once; should that fail
+        // too, the next weld cuts it before it writes.
+        if (whole >= 0)
+            file.resize(whole);
         logFailure(QStringLiteral("Data Log Write"), error.number(), error.description(), fileName);
         return false;
     }
     return true;
+}
+
+qint64 DataLog::cutToLastCompleteLine(QFile &file)
+{
+    // A line cut short (the disk was full, the program was killed in a write) ends the
+    // file without its line end: it goes, so that the next weld starts a line of its own.
+    qint64 size = file.size();
+    char last = '\n';
+    if (size == 0 || (file.seek(size - 1) && file.getChar(&last) && last == '\n'))
+        return size;
+    constexpr qint64 kChunk = 4096;
+    while (size > 0) {
+        const qint64 start = qMax<qint64>(0, size - kChunk);
+        if (!file.seek(start))
+            return -1;
+        const QByteArray chunk = file.read(size - start);
+        const qsizetype end = chunk.lastIndexOf('\n');
+        if (end >= 0) {
+            size = start + end + 1;
+            break;
+        }
+        size = start;
+    }
+    return file.resize(size) ? size : -1;
 }
 
 void DataLog::logFailure(const QString &message, qint32 number, const QString &description,

@@ -172,7 +172,7 @@ void EquipmentLink::ReconnectComm(const qlxLanguage &language)
         if (!settings || !port.open(*settings, &refusal)) {
             // An unknown or busy port: no retry until the user starts again.
             qCInfo(lcMonitor) << m_address << "refused:" << refusal;
-            emit portRefused();
+            emit portRefused(refusal);
             emit connectionLabelChanged(language.Translate(u"6056|Invalid Port Number"));
             return;
         }

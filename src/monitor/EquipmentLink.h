@@ -70,8 +70,9 @@ signals:
     void errorOccurred(qint32 number, const QString &description, qint32 statusCode);
     // A connect or reopen was started.
     void connectAttempted();
-    // The serial port was refused: no further retry until the user starts again.
-    void portRefused();
+    // The serial port was refused (an unknown or busy port, settings it cannot do), for
+    // the reason given: no further retry until the user starts again.
+    void portRefused(const QString &reason);
     void connectionLabelChanged(const QString &label);
     void connectionProblemChanged(bool problem);
     void linkStateChanged(LinkState state);

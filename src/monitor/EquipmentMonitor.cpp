@@ -7,6 +7,8 @@
 
 #include "platform/Clock.h"
 #include "platform/ErrorPassing.h"
+#include "platform/EventLog.h"
+#include "platform/MessageBoxes.h"
 
 #include <QUuid>
 
@@ -21,6 +23,12 @@ EquipmentMonitor::EquipmentMonitor(MonitorServices services, QObject *parent)
     m_sampling = m_services.makeSampling ? m_services.makeSampling() : nullptr;
     if (!m_sampling)
         m_sampling = std::make_unique<NullSampling>();
+    connect(m_sampling.get(), &SamplingSeam::backlogChanged, this,
+            &EquipmentMonitor::spcBacklogChanged);
+    // Queued: the database may answer in the middle of a save, while the datasets are
+    // being read.
+    connect(m_sampling.get(), &SamplingSeam::databaseReachable, this,
+            &EquipmentMonitor::reloadSpecificationLimits, Qt::QueuedConnection);
     m_link = std::make_unique<EquipmentLink>(m_services.clock, m_services.makeSocket,
                                              m_services.makeSerialPort);
     connectLink();
@@ -51,7 +59,10 @@ void EquipmentMonitor::connectLink()
     connect(link, &EquipmentLink::closed, this, &EquipmentMonitor::Winsock1_Close);
     connect(link, &EquipmentLink::errorOccurred, this, &EquipmentMonitor::Winsock1_Error);
     connect(link, &EquipmentLink::connectAttempted, this, &EquipmentMonitor::NotifyStarted);
-    connect(link, &EquipmentLink::portRefused, this, &EquipmentMonitor::StopDataCollection);
+    connect(link, &EquipmentLink::portRefused, this, [this](const QString &reason) {
+        StopDataCollection();
+        portRefused(reason);
+    });
     connect(link, &EquipmentLink::connectionLabelChanged, this,
             &EquipmentMonitor::showConnectionLabel);
     connect(link, &EquipmentLink::connectionProblemChanged, this,
@@ -90,6 +101,12 @@ void EquipmentMonitor::Initialize(const qlxLanguage &language, int slotIndex)
 void EquipmentMonitor::StartStop()
 {
     reportFailures(m_services.errors, "CorvaneUsw.bnStartStop_Click", [&] {
+        // A running collection stops whatever its port is doing: a socket that never left
+        // the closed state must not turn every Stop into another Start.
+        if (m_link->linkState() >= LinkState::ConnectRequested) {
+            stopCollection();
+            return;
+        }
         if (m_link->isSerial()) {
             // A port whose device went away is still collecting: it is reopened when
             // the device is back.
@@ -125,6 +142,10 @@ void EquipmentMonitor::StopDataCollection()
 void EquipmentMonitor::startCollection()
 {
     passOn("CorvaneUsw.StartDataCollection", [&] {
+        if (const std::optional<QString> problem = LinkRules::addressProblem(address())) {
+            refuseAddress(*problem);
+            return;
+        }
         if (m_sampling->Enabled() && !m_sampling->StartCollection(*m_language))
             return;
         m_alarms.clear();
@@ -151,6 +172,40 @@ void EquipmentMonitor::stopCollection()
         NotifyStopped();
         m_sampling->StopCollection(*m_language, m_datasets);
         EnableDisplayItems(true);
+    });
+}
+
+void EquipmentMonitor::refuseAddress(const QString &reason)
+{
+    showConnectionLabel(translate(u"6056|Invalid Port Number"));
+    showConnectionProblem(true);
+    portRefused(reason);
+}
+
+void EquipmentMonitor::portRefused(const QString &reason)
+{
+    reportFailures(m_services.errors, "CorvaneUsw.StartDataCollection", [&] {
+        m_services.eventLog.WriteEventLog(
+            QStringLiteral("Main"), QStringLiteral("Invalid Port Number"),
+            ProgramError::kProgramErrorNumber, reason,
+            m_configuration.name + QStringLiteral(" (") + address() + u')');
+    });
+    if (m_services.messageBoxes) {
+        m_services.messageBoxes->critical(m_configuration.name,
+                                          translate(u"6056|Invalid Port Number") +
+                                              QStringLiteral("\r\n\r\n") + reason);
+    }
+}
+
+void EquipmentMonitor::reloadSpecificationLimits()
+{
+    // A collection that started while the SPC database was away runs without limits
+    // until it answers.
+    reportFailures(m_services.errors, "CorvaneUsw.InitializeSpecificationLimits", [&] {
+        if (m_link->linkState() < LinkState::ConnectRequested)
+            return;
+        m_sampling->InitializeSpecificationLimits(m_datasets);
+        RefreshDisplay();
     });
 }
 
@@ -211,6 +266,11 @@ bool EquipmentMonitor::ShutDown()
 LinkState EquipmentMonitor::linkState() const
 {
     return m_link->linkState();
+}
+
+int EquipmentMonitor::spcBacklog() const
+{
+    return m_sampling->backlog();
 }
 
 bool EquipmentMonitor::SPCSamplingEnabled() const

@@ -44,6 +44,7 @@ class EquipmentMonitor : public QObject
     Q_PROPERTY(QString connectionLabel READ connectionLabel NOTIFY connectionLabelChanged)
     Q_PROPERTY(bool connectionProblem READ connectionProblem NOTIFY connectionProblemChanged)
     Q_PROPERTY(bool displayItemsEnabled READ displayItemsEnabled NOTIFY displayItemsEnabledChanged)
+    Q_PROPERTY(int spcBacklog READ spcBacklog NOTIFY spcBacklogChanged)
 
 public:
     static constexpr int kRowCount = MonitorConfiguration::kRowCount;
@@ -135,6 +136,8 @@ public:
     QString connectionLabel() const { return m_connectionLabel; }
     bool connectionProblem() const { return m_connectionProblem; }
     bool displayItemsEnabled() const { return m_displayItemsEnabled; }
+    // Subgroups of this welder that wait in the outbox for the SPC database.
+    int spcBacklog() const;
     const qlxLanguage &language() const { return *m_language; }
 
 signals:
@@ -143,6 +146,7 @@ signals:
     void connectionLabelChanged(const QString &label);
     void connectionProblemChanged(bool problem);
     void displayItemsEnabledChanged(bool enabled);
+    void spcBacklogChanged(int backlog);
     void alarmsChanged();
     // A weld record was decoded and processed (after the simulated values in debug mode).
     void weldProcessed(const CorvaneFUN26 &record);
@@ -160,6 +164,11 @@ private:
     void showConnectionProblem(bool problem);
     void startCollection();
     void stopCollection();
+    void reloadSpecificationLimits();
+    // An address that cannot work: shown on the tab, and as a refused port.
+    void refuseAddress(const QString &reason);
+    // Written to the event log with the configuration's name and told to the engineer.
+    void portRefused(const QString &reason);
     void appendToDataLog(const CorvaneFUN26 &record);
     void setStartStopCaption(const QString &caption);
     QString translate(QStringView token) const;

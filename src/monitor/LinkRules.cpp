@@ -1,5 +1,6 @@
 #include "LinkRules.h"
 
+#include "platform/SerialAddress.h"
 #include "platform/SocketPort.h"
 
 #include <QStringList>
@@ -18,6 +19,29 @@ std::optional<SocketTarget> socketTarget(const QString &address)
     target.port = target.portText.trimmed().toUShort(&ok);
     target.portValid = ok;
     return target;
+}
+
+std::optional<QString> addressProblem(const QString &address)
+{
+    if (SerialAddress::isSerial(address)) {
+        QString why;
+        if (SerialAddress::parse(address, &why))
+            return std::nullopt;
+        return QStringLiteral("The serial settings \"%1\" cannot be used: %2").arg(address, why);
+    }
+    if (!address.startsWith(QLatin1String("IP:"))) {
+        return QStringLiteral("The address \"%1\" is neither IP:host:port nor "
+                              "COM:port,baud,parity,data bits,stop bits,flow")
+            .arg(address);
+    }
+    const std::optional<SocketTarget> target = socketTarget(address);
+    if (!target || target->portText.trimmed().isEmpty())
+        return QStringLiteral("The address \"%1\" has no port").arg(address);
+    if (target->host.trimmed().isEmpty())
+        return QStringLiteral("The address \"%1\" has no host").arg(address);
+    if (!target->portValid || target->port == 0)
+        return QStringLiteral("The port of the address \"%1\" is not 1 to 65535").arg(address);
+    return std::nullopt;
 }
 
 namespace {

@@ -21,6 +21,12 @@ struct SocketTarget
 };
 std::optional<SocketTarget> socketTarget(const QString &address);
 
+// Why an address can never connect, in words for the engineer: a TCP address without a
+// host or a usable port, a serial address whose settings cannot be read, or an address of
+// neither kind. Nothing when it may work (whether the host or port answers is found
+// out by trying).
+std::optional<QString> addressProblem(const QString &address);
+
 // Whole-minute boundaries crossed from `from` to `to`, as a calendar difference in
 // minutes: both times are cut to the minute first, so 10:00:59 to 10:01:00 is one
 // minute. An empty `from` counts as the earliest date of all (long ago).

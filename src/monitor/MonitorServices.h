@@ -9,6 +9,7 @@
 class Clock;
 class ErrorReport;
 class EventLog;
+class MessageBoxes;
 class SamplingSeam;
 class SerialPort;
 class SocketPort;
@@ -39,4 +40,6 @@ struct MonitorServices
     qint64 valueBound = Dataset::kDefaultValueBound;
     // Maker of the SPC sampling object; without one the monitor samples nothing.
     std::function<std::unique_ptr<SamplingSeam>()> makeSampling = {};
+    // Tells the engineer why Start was refused; without it the refusal is only logged.
+    MessageBoxes *messageBoxes = nullptr;
 };

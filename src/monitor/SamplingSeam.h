@@ -14,10 +14,12 @@ class qlxLanguage;
 // finished periods on every timer tick, and keep its settings in the "Sampling" element
 // of the monitor's configuration. Each operation reports its own failures; none of them
 // throws to the monitor.
-class SamplingSeam
+class SamplingSeam : public QObject
 {
+    Q_OBJECT
+
 public:
-    virtual ~SamplingSeam() = default;
+    ~SamplingSeam() override = default;
 
     // True when collection started; false leaves the monitor stopped.
     virtual bool StartCollection(const qlxLanguage &language) = 0;
@@ -53,6 +55,15 @@ public:
         Q_UNUSED(owner)
         return false;
     }
+
+    // Subgroups of this monitor's SPC database that wait in the workstation's outbox
+    // because the database could not take them.
+    virtual int backlog() const { return 0; }
+
+signals:
+    void backlogChanged(int backlog);
+    // The SPC database answers (again): its specification limits can be read now.
+    void databaseReachable();
 };
 
 // The sampling object of a monitor without SPC sampling: never enabled, starts

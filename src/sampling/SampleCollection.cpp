@@ -4,12 +4,17 @@
 #include "DatabaseSupport.h"
 #include "SamplingProperties.h"
 
+#include "outbox/OutboxForwarder.h"
+#include "outbox/SubgroupOutbox.h"
 #include "platform/Clock.h"
 #include "platform/ErrorPassing.h"
+#include "platform/EventLog.h"
 #include "platform/MessageBoxes.h"
 #include "platform/qlxLanguage.h"
 #include "platform/spc/Database.h"
 #include "stats/DatasetCollection.h"
+
+#include <QUuid>
 
 #include <cstdlib>
 
@@ -41,9 +46,11 @@ bool SamplingProperties::StartCollection(const qlxLanguage &language)
             mayRun = true;
             return;
         }
-        // The message to the user says what went wrong; the database's own reason
-        // would only be a second message for the same failure.
-        if (!ensureConnected(nullptr)) {
+        // With an outbox the welder collects whether the database is there or not: its
+        // subgroups wait until it is. Without one, the user is told; the database's own
+        // reason would only be a second message for the same failure.
+        const bool connected = ensureConnected(nullptr);
+        if (!connected && !m_services.outbox) {
             refuseStart(language, u"5298|Unable To Connect");
             return;
         }
@@ -58,8 +65,16 @@ bool SamplingProperties::StartCollection(const qlxLanguage &language)
                         u"1845|NO PROCESS! A process must be selected before continuing.");
             return;
         }
-        ResolvePartGroupFromPart();
-        ResolveProcessGroupFromProcess();
+        // Groups that cannot be looked up now are given to the subgroups when they are
+        // stored.
+        m_partGroup.clear();
+        m_processGroup.clear();
+        if (connected) {
+            ResolvePartGroupFromPart();
+            ResolveProcessGroupFromProcess();
+        } else {
+            noteDatabaseAway(m_database->lastErrorText());
+        }
         m_sourceTag = QLatin1String(kSourceTag);
 
         m_subgroupRecord.clear();
@@ -133,7 +148,12 @@ void SamplingProperties::ProcessSamplePeriod(const qlxLanguage &language,
                                              const DatasetCollection &datasets)
 {
     reportFailures(m_services.errors, "SamplingProperties.ProcessSamplePeriod", [&] {
-        if (!libraryAvailable() || !m_collecting)
+        if (!libraryAvailable())
+            return;
+        // The backlog goes on being forwarded while the monitor is stopped: it may be
+        // from an earlier run.
+        forwardBacklog();
+        if (!m_collecting)
             return;
         if (m_services.clock.now() < m_nextSampleTime)
             return;
@@ -161,10 +181,126 @@ void SamplingProperties::SaveSubgroup(const qlxLanguage &language,
                        [&] { SaveDataRate(language); });
         reportFailures(m_services.errors, "SamplingProperties.SaveAlarmCodes",
                        [&] { SaveAlarmCodes(language); });
-        reportFailures(m_services.errors, "SamplingProperties.SaveSubgroup",
-                       [&] { m_subgroup->store(*m_database); });
+        const bool stored = deliverSubgroup();
+        emit subgroupCompleted(*m_subgroup, !stored);
     }
     m_subgroupRecord.clear();
+}
+
+bool SamplingProperties::deliverSubgroup()
+{
+    if (!m_services.outbox) {
+        return reportFailures(m_services.errors, "SamplingProperties.SaveSubgroup",
+                              [&] { storeSubgroup(*m_database, *m_subgroup); });
+    }
+    const QString source = DataSourceName();
+    bool stored = false;
+    reportFailures(m_services.errors, "SamplingProperties.SaveSubgroup", [&] {
+        QString failure;
+        // While older subgroups wait, a new one waits behind them.
+        if (m_services.outbox->count(source) == 0 && storeNow(failure)) {
+            stored = true;
+            return;
+        }
+        m_services.outbox->enqueue(source, *m_subgroup, m_services.clock.now());
+        if (!failure.isEmpty())
+            noteDatabaseAway(failure);
+        setBacklog(m_services.outbox->count(source));
+    });
+    return stored;
+}
+
+bool SamplingProperties::storeNow(QString &failure)
+{
+    if (!ensureConnected(nullptr)) {
+        failure = m_database->lastErrorText();
+        return false;
+    }
+    try {
+        storeSubgroup(*m_database, *m_subgroup);
+        return true;
+    } catch (const ProgramError &error) {
+        failure = error.description();
+        return false;
+    }
+}
+
+// ---- The backlog ---------------------------------------------------------------------
+
+void SamplingProperties::forwardBacklog()
+{
+    if (!m_services.outbox || !m_enabled)
+        return;
+    if (m_backlog < 0 && !(m_nextForward.isValid() && m_services.clock.now() < m_nextForward)) {
+        try {
+            setBacklog(m_services.outbox->count(DataSourceName()));
+        } catch (const ProgramError &error) {
+            noteDatabaseAway(error.description());
+            return;
+        }
+    }
+    if (m_backlog < 0)
+        return;
+    const QDateTime now = m_services.clock.now();
+    if (m_backlog == 0 || (m_nextForward.isValid() && now < m_nextForward))
+        return;
+    ForwardResult result;
+    try {
+        result = forwardOutbox(*m_services.outbox, *m_database);
+    } catch (const ProgramError &error) {
+        // The outbox file itself failed: retried like a database that is away, rather
+        // than reported on every tick.
+        result.failure = error.description();
+        result.remaining = m_backlog;
+    }
+    m_forwardedSinceAway += result.forwarded;
+    setBacklog(result.remaining);
+    if (!result.failure.isEmpty()) {
+        noteDatabaseAway(result.failure);
+        m_nextForward = now.addSecs(m_retrySeconds);
+        m_retrySeconds = qMin(m_retrySeconds * 2, kLongestRetrySeconds);
+        return;
+    }
+    m_retrySeconds = kFirstRetrySeconds;
+    m_nextForward = QDateTime();
+    if (m_databaseAway && result.remaining == 0) {
+        m_databaseAway = false;
+        noteEvent(
+            QStringLiteral("SPC Backlog Forwarded"), m_forwardedSinceAway,
+            QStringLiteral("%1 subgroup(s) forwarded from the outbox").arg(m_forwardedSinceAway));
+        m_forwardedSinceAway = 0;
+    }
+}
+
+void SamplingProperties::noteDatabaseAway(const QString &reason)
+{
+    if (m_nextForward.isNull())
+        m_nextForward = m_services.clock.now().addSecs(m_retrySeconds);
+    if (m_databaseAway)
+        return;
+    m_databaseAway = true;
+    m_forwardedSinceAway = 0;
+    noteEvent(QStringLiteral("SPC Database Away"), ProgramError::kProgramErrorNumber, reason);
+}
+
+void SamplingProperties::noteEvent(const QString &message, qint32 number,
+                                   const QString &description)
+{
+    if (!m_services.eventLog)
+        return;
+    reportFailures(m_services.errors, "SamplingProperties.WriteEventLog", [&] {
+        // One line each: a server's reason may span several.
+        m_services.eventLog->WriteEventLog(QStringLiteral("Main"), message, number,
+                                           description.simplified(), DataSourceName());
+    });
+}
+
+void SamplingProperties::setBacklog(int backlog)
+{
+    if (backlog == m_backlog)
+        return;
+    m_backlog = backlog;
+    emit backlogChanged(backlog);
 }
 
 void SamplingProperties::InitializeSubgroup()
@@ -172,6 +308,7 @@ void SamplingProperties::InitializeSubgroup()
     if (!m_subgroup)
         m_subgroup.emplace();
     SubgroupHeader header;
+    header.key = QUuid::createUuid().toString(QUuid::WithoutBraces);
     header.flag = true;
     header.valueCount = m_subgroupRecord.WeldCount;
     header.dateTime = m_nextSampleTime;

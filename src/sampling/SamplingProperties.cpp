@@ -58,6 +58,12 @@ SamplingProperties::SamplingProperties(SamplingServices services)
         m_services.makeDatabase = [] { return std::make_unique<qlaDatabase6::SqlDatabase>(); };
     m_database = m_services.makeDatabase();
     m_database->setDataSourceName(defaultDataSourceName());
+    // A database that answers takes the backlog at once and gives its limits.
+    connect(m_database.get(), &qlaDatabase6::Database::connected, this, [this] {
+        m_nextForward = QDateTime();
+        m_retrySeconds = kFirstRetrySeconds;
+        emit databaseReachable();
+    });
 }
 
 SamplingProperties::~SamplingProperties() = default;
@@ -91,10 +97,28 @@ std::unique_ptr<qlaDatabase6::Database> SamplingProperties::makeDatabase(const Q
 
 void SamplingProperties::applyDataSourceName(const QString &dsn)
 {
-    const QString wanted = dsn.trimmed().isEmpty() ? defaultDataSourceName() : dsn;
+    // A password never stays in the name: the name is saved, shown and logged. The
+    // server's password comes from PGPASSWORD or the password file instead.
+    bool passwordFound = false;
+    const QString clean = qlaDatabase6::DataSource::withoutPassword(dsn, &passwordFound);
+    if (passwordFound) {
+        m_services.errors.Show(
+            QStringLiteral("SamplingProperties.DataSourceName"), ProgramError::kProgramErrorNumber,
+            QStringLiteral("The data source name %1 carries a password, which is not kept: "
+                           "the password comes from PGPASSWORD or the password file")
+                .arg(qlaDatabase6::DataSource::masked(dsn)),
+            QStringLiteral("SamplingProperties"));
+    }
+    const QString wanted = clean.trimmed().isEmpty() ? defaultDataSourceName() : clean;
     // Handing over the same name again would drop a working connection for nothing.
-    if (wanted != m_database->dataSourceName())
-        m_database->setDataSourceName(wanted);
+    if (wanted == m_database->dataSourceName())
+        return;
+    m_database->setDataSourceName(wanted);
+    // The backlog and the outage belong to a data source.
+    m_backlog = -1;
+    m_databaseAway = false;
+    m_nextForward = QDateTime();
+    m_retrySeconds = kFirstRetrySeconds;
 }
 
 bool SamplingProperties::libraryAvailable()

@@ -16,9 +16,11 @@
 class Clock;
 class DatabaseSupport;
 class ErrorReport;
+class EventLog;
 class MessageBoxes;
 class PartSelector;
 class QObject;
+class SubgroupOutbox;
 
 namespace qlaDatabase6 {
 class Database;
@@ -38,6 +40,12 @@ struct SamplingServices
     std::function<std::unique_ptr<qlaDatabase6::Database>()> makeDatabase = {};
     // The part selection dialog; without one a part cannot be chosen at run time.
     PartSelector *partSelector = nullptr;
+    // Where subgroups wait while their database cannot take them. Without an outbox a
+    // subgroup that cannot be stored is reported and lost, and collection does not
+    // start without a connection.
+    SubgroupOutbox *outbox = nullptr;
+    // Where the database's going away and the forwarding of the backlog are noted.
+    EventLog *eventLog = nullptr;
 };
 
 // One monitor's SPC sampling: the settings kept in the "Sampling" element of its
@@ -49,11 +57,23 @@ struct SamplingServices
 // period. Periods follow each other without drift: each starts where the last was
 // scheduled to end, however late the timer closed it.
 //
+// With an outbox, a subgroup that the database cannot take (no connection, a server
+// that went away, a file that cannot be written) waits there, and so does every later
+// one while older ones wait, so the history stays in time order. From the timer ticks
+// the backlog is forwarded: at once after the database connects, otherwise with a
+// back-off from seconds up to a few minutes. Collection starts whether the database is
+// there or not; its limits are read once it answers.
+//
 // Every operation reports its own failures (object "SamplingProperties") and leaves the
 // collection as it was; none of them throws to the monitor.
 class SamplingProperties : public SamplingSeam
 {
+    Q_OBJECT
+
 public:
+    static constexpr int kFirstRetrySeconds = 2;
+    static constexpr int kLongestRetrySeconds = 240;
+
     static constexpr qint32 kDefaultSamplingPeriod = 300;
     // Collection type that samples every characteristic, shown in a row or not.
     static constexpr qint32 kCollectEveryCharacteristic = 1;
@@ -132,6 +152,12 @@ public:
     const QString &ProcessGroup() const { return m_processGroup; }
     const QString &SourceTag() const { return m_sourceTag; }
     const SubgroupRecord &subgroupRecord() const { return m_subgroupRecord; }
+    int backlog() const override { return qMax(m_backlog, 0); }
+
+signals:
+    // A period closed and left this subgroup: stored in the database, or queued in the
+    // outbox when queued is true.
+    void subgroupCompleted(const qlaDatabase6::Subgroup &subgroup, bool queued);
 
 private:
     struct AlarmLogGroup
@@ -156,6 +182,14 @@ private:
     void ResolveProcessGroupFromProcess();
     void AccumulateErrorCodes(const CorvaneFUN26 &record);
     void SaveSubgroup(const qlxLanguage &language, const DatasetCollection &datasets);
+    // Stores the finished subgroup, or queues it behind the backlog; true when stored.
+    bool deliverSubgroup();
+    bool storeNow(QString &failure);
+    // Forwards the backlog when its retry time has come.
+    void forwardBacklog();
+    void noteDatabaseAway(const QString &reason);
+    void noteEvent(const QString &message, qint32 number, const QString &description);
+    void setBacklog(int backlog);
     void InitializeSubgroup();
     void SaveVariableCharacteristics(const DatasetCollection &datasets);
     void SaveDataRate(const qlxLanguage &language);
@@ -185,4 +219,12 @@ private:
     bool m_collecting = false;
     // Made on the first save and reused for every period.
     std::optional<qlaDatabase6::Subgroup> m_subgroup;
+
+    // Subgroups of this data source in the outbox; -1 until the outbox was looked at.
+    int m_backlog = -1;
+    QDateTime m_nextForward;
+    int m_retrySeconds = kFirstRetrySeconds;
+    // The database's going away was noted and its return not yet.
+    bool m_databaseAway = false;
+    int m_forwardedSinceAway = 0;
 };

@@ -1,29 +1,15 @@
 #include "ConfigurationFile.h"
 
+#include "DroppedContent.h"
+
 #include "platform/Clock.h"
 #include "platform/ErrorPassing.h"
 #include "platform/FileErrors.h"
 
+#include "platform/WholeFile.h"
+
 #include <QFile>
-#include <QSaveFile>
 #include <QStringDecoder>
-
-namespace {
-
-// Replaces the file at path by bytes in one step: the bytes go to a temporary file in
-// the same folder, which is renamed over the target only after everything was written.
-void replaceFile(const QString &path, const QByteArray &bytes, const char *procedure)
-{
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly))
-        throw fileError(file, QLatin1String(procedure));
-    if (file.write(bytes) != bytes.size())
-        throw fileError(file, QLatin1String(procedure));
-    if (!file.commit())
-        throw fileError(file, QLatin1String(procedure));
-}
-
-} // namespace
 
 ConfigurationFile::ConfigurationFile(QString path, const Clock &clock)
     : m_path(std::move(path))
@@ -60,11 +46,38 @@ bool ConfigurationFile::WriteConfigurationFile(const QString &text)
     return passOn("dlgMain.WriteConfigurationFile", [&] {
         if (!IsDirty(text))
             return true;
+        keepUnreadOriginal(text);
         const QByteArray bytes = text.toUtf8();
-        replaceFile(m_path, bytes, "dlgMain.WriteConfigurationFile");
-        replaceFile(datedCopyPath(m_clock.now()), bytes, "dlgMain.WriteConfigurationFile");
+        const QString source = QStringLiteral("dlgMain.WriteConfigurationFile");
+        replaceWholeFile(m_path, bytes, source);
+        replaceWholeFile(datedCopyPath(m_clock.now()), bytes, source);
         return true;
     });
+}
+
+void ConfigurationFile::keepUnreadOriginal(const QString &text)
+{
+    if (m_unreadChecked)
+        return;
+    QFile original(m_path);
+    if (!original.open(QIODevice::ReadOnly))
+        throw fileError(original, QStringLiteral("dlgMain.WriteConfigurationFile"));
+    const QByteArray bytes = original.readAll();
+    const QStringList dropped = droppedContent(decode(bytes), text);
+    if (!dropped.isEmpty()) {
+        const QString copy = unreadCopyPath(m_clock.now());
+        replaceWholeFile(copy, withoutAddressPasswords(decode(bytes)).toUtf8(),
+                         QStringLiteral("dlgMain.WriteConfigurationFile"));
+        if (m_unreadKept)
+            m_unreadKept(copy, dropped);
+    }
+    // Once kept, the original is safe; what this run writes later is its own.
+    m_unreadChecked = true;
+}
+
+QString ConfigurationFile::unreadCopyPath(const QDateTime &time) const
+{
+    return m_path + QStringLiteral(".unread-") + time.toString(QStringLiteral("yyMMddHHmmss"));
 }
 
 QString ConfigurationFile::datedCopyPath(const QDateTime &time) const

@@ -14,7 +14,11 @@ ConfigurationSet::ConfigurationSet(QString configurationsPath, const Clock &cloc
     , m_file(std::move(configurationsPath), clock)
     , m_language(language)
     , m_makeMonitor(std::move(makeMonitor))
-{}
+{
+    m_file.setUnreadKeptHandler([this](const QString &copyPath, const QStringList &dropped) {
+        emit unreadContentKept(copyPath, dropped);
+    });
+}
 
 ConfigurationSet::~ConfigurationSet() = default;
 

@@ -91,6 +91,9 @@ signals:
     void tabRemoved(int index);
     void tabCaptionChanged(int index);
     void currentTabChanged(int index);
+    // A save kept the original file at copyPath, because it held content (dropped) that
+    // this program does not read and the save drops.
+    void unreadContentKept(const QString &copyPath, const QStringList &dropped);
 
 private:
     int freeSlot() const;

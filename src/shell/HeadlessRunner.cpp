@@ -2,6 +2,7 @@
 
 #include "BrokerPublishing.h"
 #include "ConfigurationSet.h"
+#include "DroppedContent.h"
 #include "EquipmentMonitorSlot.h"
 #include "ShellSettings.h"
 #include "TerminationSignals.h"
@@ -9,6 +10,7 @@
 #include "XmlText.h"
 
 #include "monitor/EquipmentMonitor.h"
+#include "outbox/SubgroupOutbox.h"
 #include "platform/ErrorPassing.h"
 #include "platform/EventLog.h"
 #include "platform/HeadlessMessageBoxes.h"
@@ -35,7 +37,7 @@ int HeadlessRunner::exec()
     // socket pair until the event loop runs.
     TerminationSignals termination;
     if (!termination.isActive()) {
-        std::fprintf(stderr, "corvane-monitor: cannot catch SIGINT and SIGTERM\n");
+        std::fprintf(stderr, "corvane-monitor: cannot catch SIGINT, SIGTERM and SIGHUP\n");
         return 1;
     }
     if (!start())
@@ -43,8 +45,9 @@ int HeadlessRunner::exec()
     QEventLoop loop;
     connect(&termination, &TerminationSignals::terminationRequested, &loop, &QEventLoop::quit);
     loop.exec();
-    stop();
-    return 0;
+    // A configurations file that could not be saved is a failure the service manager
+    // must see; the old file is still there.
+    return stop() ? 0 : 1;
 }
 
 bool HeadlessRunner::start()
@@ -66,6 +69,8 @@ bool HeadlessRunner::start()
     m_databaseSupport = std::make_unique<DatabaseSupport>(*m_errors, programFiles);
     m_messageBoxes = std::make_unique<HeadlessMessageBoxes>(*m_errors);
     startBrokerPublishing();
+    m_outbox = std::make_unique<SubgroupOutbox>(
+        SubgroupOutbox::besideConfigurations(m_files.configurationsPath));
 
     const auto makeSampling = [this, dataFolder = programFiles.dataFolder()] {
         return std::make_unique<SamplingProperties>(SamplingServices{
@@ -76,6 +81,8 @@ bool HeadlessRunner::start()
             .dataFolder = dataFolder,
             .makeDatabase = {},
             .partSelector = nullptr,
+            .outbox = m_outbox.get(),
+            .eventLog = m_eventLog.get(),
         });
     };
     const auto makeMonitor = [this, makeSampling](int) -> std::unique_ptr<ConfigurationMonitor> {
@@ -90,6 +97,7 @@ bool HeadlessRunner::start()
             .simulator = &m_simulator,
             .valueBound = m_options.valuesKept,
             .makeSampling = makeSampling,
+            .messageBoxes = m_messageBoxes.get(),
         };
         auto monitor = std::make_unique<EquipmentMonitor>(std::move(services));
         if (m_broker)
@@ -100,14 +108,36 @@ bool HeadlessRunner::start()
                     [this, source](const CorvaneFUN26 &record) {
                         printWeld(source->configurationName(), record);
                     });
+            connect(source, &EquipmentMonitor::spcBacklogChanged, this,
+                    [this, source](int backlog) {
+                        std::fprintf(m_output, "%s: SPC backlog %d subgroup(s)\n",
+                                     qPrintable(source->configurationName()), backlog);
+                        std::fflush(m_output);
+                    });
         }
         return std::make_unique<EquipmentMonitorSlot>(std::move(monitor));
     };
     m_configurations = std::make_unique<ConfigurationSet>(m_files.configurationsPath, m_clock,
                                                           m_language, makeMonitor);
 
-    m_loaded = reportFailures(*m_errors, "dlgMain.Form_Load",
-                              [&] { m_configurations->LoadConfigurationFile(); });
+    connect(m_configurations.get(), &ConfigurationSet::unreadContentKept, this,
+            [this](const QString &copyPath, const QStringList &dropped) {
+                std::fprintf(stderr, "corvane-monitor: kept the original configurations as %s\n",
+                             qPrintable(copyPath));
+                reportFailures(*m_errors, "dlgMain.Form_QueryUnload",
+                               [&] { logUnreadKept(*m_eventLog, copyPath, dropped); });
+            });
+    // A service manager must see a file that cannot be read: the run ends at once, and
+    // the file is left for the engineer to mend.
+    try {
+        m_configurations->LoadConfigurationFile();
+    } catch (const ProgramError &error) {
+        std::fprintf(stderr, "corvane-monitor: %s cannot be read: %s\n",
+                     qPrintable(m_files.configurationsPath),
+                     qPrintable(error.description().simplified()));
+        return false;
+    }
+    m_loaded = true;
     for (int i = 0; i < m_configurations->slotCount(); ++i) {
         ConfigurationMonitor &monitor = m_configurations->monitor(i);
         if (monitor.DriverState() != 0) {
@@ -122,10 +152,10 @@ bool HeadlessRunner::start()
     return true;
 }
 
-void HeadlessRunner::stop()
+bool HeadlessRunner::stop()
 {
     if (!m_started)
-        return;
+        return true;
     m_started = false;
     for (int i = 0; i < m_configurations->slotCount(); ++i) {
         ConfigurationMonitor &monitor = m_configurations->monitor(i);
@@ -136,18 +166,17 @@ void HeadlessRunner::stop()
     }
     if (m_broker)
         m_broker->finish();
+    bool saved = true;
     if (m_loaded) {
-        reportFailures(*m_errors, "dlgMain.Form_QueryUnload", [&] {
+        saved = reportFailures(*m_errors, "dlgMain.Form_QueryUnload", [&] {
             m_configurations->WriteConfigurationFile(xmlText(m_configurations->GetXMLNode()));
         });
-    } else {
-        std::fprintf(stderr, "corvane-monitor: %s was not loaded and is left as it is.\n",
-                     qPrintable(m_files.configurationsPath));
     }
     reportFailures(*m_errors, "dlgMain.Form_QueryUnload", [&] {
         for (int i = 0; i < m_configurations->slotCount(); ++i)
             m_configurations->monitor(i).ShutDown();
     });
+    return saved;
 }
 
 void HeadlessRunner::startBrokerPublishing()

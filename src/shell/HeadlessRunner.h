@@ -22,6 +22,7 @@ class EventLog;
 class HeadlessMessageBoxes;
 class LoggedErrorReport;
 class SettingsStore;
+class SubgroupOutbox;
 struct CorvaneFUN26;
 
 // corvane-monitor without a window: the composition root that wires the real links,
@@ -39,18 +40,19 @@ public:
                             QObject *parent = nullptr);
     ~HeadlessRunner() override;
 
-    // start(), then the event loop until SIGINT or SIGTERM, then stop(). The exit
-    // status: 0 after a clean stop, 1 when the program could not start.
+    // start(), then the event loop until SIGINT, SIGTERM or SIGHUP, then stop(). The
+    // exit status: 0 after a clean stop, 1 when the program could not start or could not
+    // save its configurations file.
     int exec();
 
     // Creates the data folder when missing, reads the settings and preferences, loads
     // the configurations and starts data collection on each. False (with the reason on
-    // standard error) when the data folder cannot be made.
+    // standard error) when the data folder cannot be made or the configurations file
+    // cannot be read; that file is then left as it is.
     bool start();
     // Stops every monitor, writes the configurations file from the monitors and shuts
-    // every slot down. A file that could not be loaded is left as it is: this run owns
-    // none of its configurations.
-    void stop();
+    // every slot down. False when the file could not be saved (the old one is kept).
+    bool stop();
 
     const ShellFiles &files() const { return m_files; }
     ConfigurationSet *configurations() const { return m_configurations.get(); }
@@ -74,6 +76,7 @@ private:
     std::unique_ptr<EventLog> m_eventLog;
     std::unique_ptr<DatabaseSupport> m_databaseSupport;
     std::unique_ptr<HeadlessMessageBoxes> m_messageBoxes;
+    std::unique_ptr<SubgroupOutbox> m_outbox;
     std::unique_ptr<BrokerPublishing> m_broker;
     std::unique_ptr<ConfigurationSet> m_configurations;
     bool m_loaded = false;

@@ -69,8 +69,10 @@ namespace {
 
 // [0] is written by the handler, [1] read by the notifier.
 std::array<int, 2> g_signalSockets{-1, -1};
-std::array<struct sigaction, 2> g_previousActions{};
-constexpr std::array<int, 2> kSignals{SIGINT, SIGTERM};
+// SIGHUP (the terminal closed, a service manager's reload) ends the run as SIGTERM does:
+// a reload would drop what the monitors hold in memory without a save.
+constexpr std::array<int, 3> kSignals{SIGINT, SIGTERM, SIGHUP};
+std::array<struct sigaction, kSignals.size()> g_previousActions{};
 
 extern "C" void onTerminationSignal(int signalNumber)
 {

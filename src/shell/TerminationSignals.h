@@ -4,7 +4,7 @@
 
 class QSocketNotifier;
 
-// Turns SIGINT and SIGTERM (on Windows: the console's control events) into a Qt signal
+// Turns SIGINT, SIGTERM and SIGHUP (on Windows: the console's control events) into a Qt signal
 // on the event loop. The signal handler only
 // writes the signal's number into a socket pair (a write is all that is safe there); a
 // socket notifier on the other end reads it back in the event loop, where the program
@@ -25,7 +25,7 @@ public:
 #ifdef Q_OS_WIN
     static constexpr const char *kHowToEnd = "Ctrl+C, Ctrl+Break or closing the console";
 #else
-    static constexpr const char *kHowToEnd = "SIGINT or SIGTERM";
+    static constexpr const char *kHowToEnd = "SIGINT, SIGTERM or SIGHUP";
 #endif
 
 signals:

@@ -29,6 +29,7 @@ MonitorFixture::MonitorFixture(bool debugMode, MeasurementSystem system,
         .simulator = shared ? shared : &simulator,
         .valueBound = valueBound,
         .makeSampling = std::move(makeSampling),
+        .messageBoxes = &messages,
     };
     monitor = std::make_unique<EquipmentMonitor>(std::move(services));
 }

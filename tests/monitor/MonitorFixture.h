@@ -4,6 +4,7 @@
 
 #include "ManualClock.h"
 #include "RecordingErrorReport.h"
+#include "RecordingMessageBoxes.h"
 
 #include "monitor/EquipmentMonitor.h"
 #include "monitor/WeldSimulator.h"
@@ -38,6 +39,7 @@ struct MonitorFixture
     QTemporaryDir folder;
     ManualClock clock;
     RecordingErrorReport errors;
+    RecordingMessageBoxes messages;
     EventLog eventLog;
     // The simulated values of this monitor unless another fixture's generator is shared.
     WeldSimulator simulator{7};

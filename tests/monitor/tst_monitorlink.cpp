@@ -167,30 +167,6 @@ private slots:
         }
     }
 
-    // An address without a port never connects and says nothing; a port that is not a
-    // number is reported once, at the button press.
-    void unusableTcpAddresses()
-    {
-        MonitorFixture f;
-        start(f, QStringLiteral("IP:192.0.2.5"));
-        QCOMPARE(f.monitor->DriverState(), 2);
-        f.clock.advanceSeconds(3600);
-        f.monitor->Timer1_Timer();
-        QVERIFY(f.socket->connects.isEmpty());
-        QVERIFY(f.errors.isEmpty());
-
-        MonitorFixture g;
-        start(g, QStringLiteral("IP:192.0.2.5:http"));
-        g.monitor->Timer1_Timer();
-        QVERIFY(g.socket->connects.isEmpty());
-        QCOMPARE(g.errors.count(), 1);
-        const auto &error = g.errors.last();
-        QCOMPARE(error.location, QStringLiteral("CorvaneUsw.bnStartStop_Click"));
-        QCOMPARE(error.number, ProgramError::kProgramErrorNumber);
-        QVERIFY(error.description.contains(QStringLiteral("http")));
-        QVERIFY(error.source.startsWith(QStringLiteral("CorvaneUsw.ReconnectSocket")));
-    }
-
     void startStopBySocketState_data()
     {
         QTest::addColumn<int>("state");
@@ -198,11 +174,11 @@ private slots:
         QTest::addColumn<int>("closes");
         QTest::addColumn<int>("driverState");
         QTest::addColumn<QString>("caption");
-        // A start closes whatever is left of the old socket before it connects anew.
-        QTest::newRow("closed: start") << 0 << 2 << 1 << 2 << "&Stop";
-        QTest::newRow("resolving: ignore") << 4 << 1 << 0 << 3 << "&Stop";
+        // A running collection stops whatever its socket is doing.
+        QTest::newRow("closed: stop") << 0 << 1 << 0 << 1 << "&Start";
+        QTest::newRow("resolving: stop") << 4 << 1 << 1 << 1 << "&Start";
         QTest::newRow("connected: stop") << 7 << 1 << 1 << 1 << "&Start";
-        QTest::newRow("closing: start") << 8 << 2 << 1 << 2 << "&Stop";
+        QTest::newRow("closing: stop") << 8 << 1 << 1 << 1 << "&Start";
     }
 
     void startStopBySocketState()
@@ -262,7 +238,6 @@ private slots:
         QTest::addColumn<QString>("address");
         QTest::addColumn<bool>("portRefuses");
         QTest::newRow("busy port") << kSerial << true;
-        QTest::newRow("no port") << "COM:,9600,N,8,1,0" << false;
     }
 
     void refusedSerialPortStopsCollection()

@@ -287,6 +287,52 @@ private slots:
                  saved.constData());
         QVERIFY2(saved.contains("SamplingPeriod=\"2\""), saved.constData());
     }
+
+    // Subgroups queued while the database file's folder is missing survive kill -9, and
+    // the next run forwards every one of them.
+    void backlogSurvivesKillAndIsForwarded()
+    {
+        QTemporaryDir folder;
+        m_dsn = folder.filePath(QStringLiteral("plant/spc.db"));
+        QProcess sim;
+        sim.start(QStringLiteral(CORVANE_SIM_EXE), {"--tcp", "0", "--interval", "100"});
+        QVERIFY(sim.waitForStarted(5000) && sim.waitForReadyRead(5000));
+        const QString port = QRegularExpression("(\\d+)\\s*$").match(sim.readLine()).captured(1);
+        QFile configurations(folder.filePath(QStringLiteral("corvane-monitor.cfg")));
+        QVERIFY(configurations.open(QIODevice::WriteOnly));
+        configurations.write(QStringLiteral("<Configurations><Configuration><Equipment Name=\"P\" "
+                                            "Settings=\"IP:127.0.0.1:%1\"/><Sampling Enabled=\"1\" "
+                                            "SamplingPeriod=\"1\"><Database DSN=\"%2\"/><Part "
+                                            "Name=\"H\"/><Process Name=\"S\"/></Sampling>"
+                                            "</Configuration></Configurations>")
+                                 .arg(port, m_dsn)
+                                 .toUtf8());
+        configurations.close();
+        const QStringList outbox = {"outbox", "--outbox", folder.filePath("corvane-monitor.outbox")};
+        const auto waiting = [&] {
+            QByteArray listing;
+            spc(outbox, &listing);
+            return QRegularExpression("(\\d+) subgroup").match(QString::fromUtf8(listing)).captured(1).toInt();
+        };
+        QProcess monitor;
+        monitor.start(QStringLiteral(CORVANE_MONITOR_EXE), {"--headless", "--data-dir", folder.path()});
+        QTRY_VERIFY_WITH_TIMEOUT(waiting() >= 3, 20000);
+        monitor.kill();
+        QVERIFY(monitor.waitForFinished(5000));
+        const int queued = waiting();
+
+        QVERIFY(QDir().mkpath(folder.filePath("plant")));
+        monitor.start(QStringLiteral(CORVANE_MONITOR_EXE), {"--headless", "--data-dir", folder.path()});
+        QTRY_COMPARE_WITH_TIMEOUT(waiting(), 0, 20000);
+        monitor.terminate();
+        QVERIFY(monitor.waitForFinished(10000));
+        sim.kill();
+        sim.waitForFinished(5000);
+        QSet<qint64> stored;
+        for (const Row &row : subgroups())
+            stored.insert(row.subgroup);
+        QVERIFY2(stored.size() >= queued, qPrintable(QString::number(stored.size())));
+    }
 };
 
 QTEST_GUILESS_MAIN(TestHeadlessSampling)

@@ -4,6 +4,7 @@
 #include "platform/spc/DataSource.h"
 
 #include <QCommandLineParser>
+#include <QDir>
 #include <QLocale>
 
 #include <array>
@@ -22,9 +23,9 @@ const QStringList kLimitOptions = {QStringLiteral("usl"), QStringLiteral("lsl"),
                                    QStringLiteral("uwl"), QStringLiteral("lwl"),
                                    QStringLiteral("clear")};
 
-const std::array<ActionRule, 9> &actionRules()
+const std::array<ActionRule, 10> &actionRules()
 {
-    static const std::array<ActionRule, 9> rules = {{
+    static const std::array<ActionRule, 10> rules = {{
         {"init", SpcCommand::Action::Init, 0, {}},
         {"add-group", SpcCommand::Action::AddGroup, 1, {}},
         {"add-part", SpcCommand::Action::AddPart, 1, {QStringLiteral("group")}},
@@ -37,16 +38,28 @@ const std::array<ActionRule, 9> &actionRules()
          0,
          {QStringLiteral("part"), QStringLiteral("process"), QStringLiteral("since"),
           QStringLiteral("csv")}},
+        {"outbox",
+         SpcCommand::Action::Outbox,
+         0,
+         {QStringLiteral("outbox"), QStringLiteral("flush"), QStringLiteral("discard")}},
         {"help", SpcCommand::Action::Help, 0, {}},
     }};
     return rules;
 }
 
-const QStringList kAllOptions = {QStringLiteral("group"), QStringLiteral("usl"),
-                                 QStringLiteral("lsl"),   QStringLiteral("uwl"),
-                                 QStringLiteral("lwl"),   QStringLiteral("clear"),
-                                 QStringLiteral("part"),  QStringLiteral("process"),
-                                 QStringLiteral("since"), QStringLiteral("csv")};
+const QStringList kAllOptions = {
+    QStringLiteral("group"),  QStringLiteral("usl"),     QStringLiteral("lsl"),
+    QStringLiteral("uwl"),    QStringLiteral("lwl"),     QStringLiteral("clear"),
+    QStringLiteral("part"),   QStringLiteral("process"), QStringLiteral("since"),
+    QStringLiteral("csv"),    QStringLiteral("outbox"),  QStringLiteral("flush"),
+    QStringLiteral("discard")};
+
+bool isFlag(const QString &name)
+{
+    static const QStringList kFlags = {QStringLiteral("clear"), QStringLiteral("csv"),
+                                       QStringLiteral("flush"), QStringLiteral("discard")};
+    return kFlags.contains(name);
+}
 
 std::optional<double> limitValue(const QCommandLineParser &parser, const QString &name,
                                  QString &errorText)
@@ -100,6 +113,12 @@ QString SpcCommandLine::defaultDataSource()
     return qlaDatabase6::DataSource::defaultName(ProgramFiles::resolveDataFolder());
 }
 
+QString SpcCommandLine::defaultOutbox()
+{
+    return QDir(ProgramFiles::resolveDataFolder())
+        .filePath(QStringLiteral("corvane-monitor.outbox"));
+}
+
 QString SpcCommandLine::usage()
 {
     return QStringLiteral(
@@ -115,6 +134,10 @@ QString SpcCommandLine::usage()
         "  set-limits PART TEST [--usl X] [--lsl X] [--uwl X] [--lwl X] | --clear\n"
         "  list groups|parts|processes|tests|limits\n"
         "  subgroups [--part P] [--process P] [--since ISO-DATE] [--csv]\n"
+        "  outbox [--outbox FILE] [--flush | --discard]\n"
+        "                                    list the subgroups waiting for their database,\n"
+        "                                    forward them, or drop them (with --dsn: only\n"
+        "                                    those of that database)\n"
         "\n"
         "DSN is a SQLite file (PATH or sqlite:PATH) or postgresql://[user@]host[:port]/db;\n"
         "the server's password comes from PGPASSWORD or the password file. Without --dsn\n"
@@ -127,9 +150,9 @@ std::optional<SpcCommand> SpcCommandLine::parse(const QStringList &arguments, QS
     parser.addHelpOption();
     parser.addOption({QStringLiteral("dsn"), QString(), QStringLiteral("DSN")});
     for (const QString &name : kAllOptions) {
-        const bool flag = name == QLatin1String("clear") || name == QLatin1String("csv");
-        parser.addOption(flag ? QCommandLineOption(name)
-                              : QCommandLineOption(name, QString(), QStringLiteral("VALUE")));
+        parser.addOption(isFlag(name)
+                             ? QCommandLineOption(name)
+                             : QCommandLineOption(name, QString(), QStringLiteral("VALUE")));
     }
     if (!parser.parse(arguments)) {
         errorText = parser.errorText();
@@ -171,6 +194,15 @@ std::optional<SpcCommand> SpcCommandLine::parse(const QStringList &arguments, QS
     command.part = parser.value(QStringLiteral("part"));
     command.process = parser.value(QStringLiteral("process"));
     command.csv = parser.isSet(QStringLiteral("csv"));
+    command.outboxPath = parser.isSet(QStringLiteral("outbox"))
+                             ? parser.value(QStringLiteral("outbox"))
+                             : defaultOutbox();
+    command.flush = parser.isSet(QStringLiteral("flush"));
+    command.discard = parser.isSet(QStringLiteral("discard"));
+    if (command.flush && command.discard) {
+        errorText = QStringLiteral("outbox takes either --flush or --discard");
+        return std::nullopt;
+    }
 
     if (command.action == SpcCommand::Action::SetLimits && !readLimits(parser, command, errorText))
         return std::nullopt;

@@ -18,6 +18,7 @@ struct SpcCommand
         SetLimits,
         List,
         Subgroups,
+        Outbox,
         Help,
     };
 
@@ -38,6 +39,10 @@ struct SpcCommand
     QString process;
     QDateTime since;
     bool csv = false;
+    // outbox: the outbox file, and what to do with its subgroups besides listing them.
+    QString outboxPath;
+    bool flush = false;
+    bool discard = false;
 };
 
 // Reads the tool's arguments (the program name first). On bad usage returns nothing
@@ -49,4 +54,6 @@ public:
     static QString usage();
     // The default data source: spc.db in the data folder (CORVANE_DATA_DIR honoured).
     static QString defaultDataSource();
+    // The monitor's outbox in the data folder.
+    static QString defaultOutbox();
 };

@@ -67,6 +67,7 @@ void SpcTool::run(const SpcCommand &command)
     case SpcCommand::Action::Subgroups:
         subgroups(command);
         break;
+    case SpcCommand::Action::Outbox: // runs on the outbox file, not on a database
     case SpcCommand::Action::Help:
         break;
     }

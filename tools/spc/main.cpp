@@ -1,5 +1,6 @@
 // corvane-spc: looks after the SPC database into which the monitor samples subgroups.
 
+#include "OutboxCommand.h"
 #include "SpcCommandLine.h"
 #include "SpcTool.h"
 
@@ -48,6 +49,15 @@ int main(int argc, char *argv[])
         std::printf("%s", qPrintable(SpcCommandLine::usage()));
         return kDone;
     }
+    QTextStream out(stdout);
+    if (command->action == SpcCommand::Action::Outbox) {
+        try {
+            return runOutboxCommand(*command, out);
+        } catch (const ProgramError &error) {
+            out.flush();
+            return failed(error.description());
+        }
+    }
     if (command->defaultDsn)
         QDir().mkpath(ProgramFiles::resolveDataFolder());
 
@@ -55,7 +65,6 @@ int main(int argc, char *argv[])
     database.setDataSourceName(command->dsn);
     if (!database.openConnection())
         return failed(database.lastErrorText());
-    QTextStream out(stdout);
     try {
         SpcTool(database, out).run(*command);
     } catch (const ProgramError &error) {

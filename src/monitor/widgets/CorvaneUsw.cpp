@@ -51,6 +51,7 @@ CorvaneUsw::CorvaneUsw(EquipmentMonitor &monitor, ErrorReport &errors, QWidget *
 
     connect(&m_monitor, &EquipmentMonitor::displayRefreshRequested, this,
             &CorvaneUsw::scheduleRefresh);
+    connect(&m_monitor, &EquipmentMonitor::spcBacklogChanged, this, &CorvaneUsw::scheduleRefresh);
     connect(&m_monitor, &EquipmentMonitor::alarmsChanged, this, [this] {
         // A cleared list must be seen before the next lines arrive; the rows follow with
         // the next refresh.
@@ -235,6 +236,10 @@ void CorvaneUsw::refreshStatus()
     m_controls.lblWelds->setText(texts.welds);
     if (texts.weldsPerHour)
         m_controls.lblWeldsPerHour->setText(*texts.weldsPerHour);
+    const int backlog = m_monitor.spcBacklog();
+    m_controls.lblSpcBacklogCaption->setVisible(backlog > 0);
+    m_controls.lblSpcBacklog->setVisible(backlog > 0);
+    m_controls.lblSpcBacklog->setText(QString::number(backlog));
 }
 
 QColor CorvaneUsw::buttonFace() const

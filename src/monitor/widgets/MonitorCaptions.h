@@ -12,6 +12,8 @@ inline constexpr QStringView kAlarms = u"7001|Alarms";
 inline constexpr QStringView kRunTime = u"7002|Run time";
 inline constexpr QStringView kWelds = u"7003|Welds";
 inline constexpr QStringView kWeldsPerHour = u"7004|Welds/hour";
+// Subgroups waiting in the outbox for the SPC database.
+inline constexpr QStringView kSpcBacklog = u"7014|SPC backlog";
 inline constexpr QStringView kPart = u"7005|&Part";
 inline constexpr QStringView kSelectPart = u"7006|Choose the SPC part";
 inline constexpr QStringView kSummary = u"7007|Summary";

@@ -202,7 +202,10 @@ void MonitorControls::build(QWidget *owner)
     addStatus(lblRunTimeCaption, lblRunTime, "lblRunTime", 0, 3);
     addStatus(lblWeldsCaption, lblWelds, "lblWelds", 1, 3);
     addStatus(lblWeldsPerHourCaption, lblWeldsPerHour, "lblWeldsPerHour", 2, 3);
-    status->setRowStretch(3, 1);
+    addStatus(lblSpcBacklogCaption, lblSpcBacklog, "lblSpcBacklog", 3, 0);
+    lblSpcBacklogCaption->hide();
+    lblSpcBacklog->hide();
+    status->setRowStretch(4, 1);
     status->setColumnMinimumWidth(2, em / 2);
     status->setColumnStretch(1, 1);
     status->setColumnStretch(4, 1);
@@ -284,6 +287,7 @@ void MonitorControls::translateCaptions(const qlxLanguage &language)
     lblRunTimeCaption->setText(caption(MonitorCaptions::kRunTime));
     lblWeldsCaption->setText(caption(MonitorCaptions::kWelds));
     lblWeldsPerHourCaption->setText(caption(MonitorCaptions::kWeldsPerHour));
+    lblSpcBacklogCaption->setText(caption(MonitorCaptions::kSpcBacklog));
     lblAlarmListCaption->setText(caption(MonitorCaptions::kAlarms));
 }
 

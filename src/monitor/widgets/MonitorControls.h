@@ -59,12 +59,15 @@ struct MonitorControls
     QLabel *lblRunTimeCaption = nullptr;
     QLabel *lblWeldsCaption = nullptr;
     QLabel *lblWeldsPerHourCaption = nullptr;
+    QLabel *lblSpcBacklogCaption = nullptr;
     QLabel *lblMode = nullptr;
     QLabel *lblLastWeld = nullptr;
     QLabel *lblAlarms = nullptr;
     QLabel *lblRunTime = nullptr;
     QLabel *lblWelds = nullptr;
     QLabel *lblWeldsPerHour = nullptr;
+    // Shown only while subgroups wait in the outbox for the SPC database.
+    QLabel *lblSpcBacklog = nullptr;
 
     QLabel *lblAlarmListCaption = nullptr;
     AlarmLinesView *lstAlarms = nullptr;

@@ -58,7 +58,7 @@ bool DataSource::parseServer(const QString &dsn, DataSource &result, QString &er
 {
     const QUrl url(dsn, QUrl::StrictMode);
     // A message may end up in a log: it never repeats a password.
-    const QString shown = url.isValid() ? url.toString(QUrl::RemovePassword) : dsn;
+    const QString shown = masked(dsn);
     const auto refuse = [&](const QString &why) {
         errorText = QStringLiteral("The data source name \"%1\" is not valid: %2").arg(shown, why);
         return false;
@@ -87,6 +87,52 @@ bool DataSource::parseServer(const QString &dsn, DataSource &result, QString &er
     result.m_userGiven = !url.userName().isEmpty();
     result.m_user = result.m_userGiven ? url.userName(QUrl::FullyDecoded) : loginName();
     return true;
+}
+
+namespace {
+
+// The "user:password@" part of a server address: the password is everything between
+// the first ':' after "//" and the last '@' before the path.
+struct PasswordSpan
+{
+    qsizetype start = -1;
+    qsizetype length = 0;
+};
+
+PasswordSpan passwordSpan(const QString &dsn)
+{
+    const qsizetype scheme = dsn.indexOf(QLatin1String("://"));
+    if (scheme < 0)
+        return {};
+    const qsizetype authorityStart = scheme + 3;
+    qsizetype authorityEnd = dsn.indexOf(u'/', authorityStart);
+    if (authorityEnd < 0)
+        authorityEnd = dsn.size();
+    const qsizetype at = dsn.lastIndexOf(u'@', authorityEnd - 1);
+    if (at < authorityStart)
+        return {};
+    const qsizetype colon = dsn.indexOf(u':', authorityStart);
+    if (colon < 0 || colon > at)
+        return {};
+    return {colon, at - colon};
+}
+
+} // namespace
+
+QString DataSource::withoutPassword(const QString &dsn, bool *passwordFound)
+{
+    const PasswordSpan span = passwordSpan(dsn);
+    if (passwordFound)
+        *passwordFound = span.start >= 0;
+    return span.start < 0 ? dsn : QString(dsn).remove(span.start, span.length);
+}
+
+QString DataSource::masked(const QString &dsn)
+{
+    const PasswordSpan span = passwordSpan(dsn);
+    return span.start < 0
+               ? dsn
+               : QString(dsn).replace(span.start + 1, span.length - 1, QStringLiteral("*****"));
 }
 
 QString DataSource::defaultName(const QString &dataFolder)

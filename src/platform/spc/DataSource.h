@@ -21,6 +21,13 @@ public:
     // not one of the forms above.
     static bool parse(const QString &dsn, DataSource &result, QString &errorText);
 
+    // A server address without the password written into it, so that it can be kept,
+    // shown and logged; passwordFound tells whether there was one. Other names come back
+    // as they are.
+    static QString withoutPassword(const QString &dsn, bool *passwordFound = nullptr);
+    // The name with its password (if any) replaced by asterisks, for a message.
+    static QString masked(const QString &dsn);
+
     // The SPC database a workstation uses unless told otherwise: spc.db in the data
     // folder.
     static QString defaultName(const QString &dataFolder);

@@ -62,6 +62,9 @@ public:
 
     virtual bool loadRecord(Record &record) = 0;
     virtual bool loadSpecLimit(SpecLimit &limit) = 0;
+    // Stores a subgroup in one transaction and returns its identifier. A subgroup whose
+    // key the database already holds is not stored again: the identifier it has is
+    // returned, so a retried store counts once.
     virtual qint64 storeSubgroup(const Subgroup &subgroup) = 0;
 
     // Records of a kind whose name contains the filter (any case), by name.

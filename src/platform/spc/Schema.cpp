@@ -65,6 +65,15 @@ const char *const kVersion3[] = {
     "CREATE INDEX subgroups_by_identity ON subgroups (sample_time, part, process, source_tag)",
 };
 
+// Version 4: every subgroup carries the key it was given when its period closed. A
+// subgroup whose storing was retried (the acknowledgement of a commit was lost, or it
+// waited in the workstation's outbox) is found by its key and never stored twice.
+// Subgroups stored before have no key.
+const char *const kVersion4[] = {
+    "ALTER TABLE subgroups ADD COLUMN subgroup_key VARCHAR(64)",
+    "CREATE UNIQUE INDEX subgroups_by_key ON subgroups (subgroup_key)",
+};
+
 struct Step
 {
     const char *const *begin;
@@ -75,6 +84,7 @@ const Step kSteps[] = {
     {std::begin(kVersion1), std::end(kVersion1)},
     {std::begin(kVersion2), std::end(kVersion2)},
     {std::begin(kVersion3), std::end(kVersion3)},
+    {std::begin(kVersion4), std::end(kVersion4)},
 };
 
 // Column types differ between the servers; dates are kept as ISO 8601 text in the

@@ -4,6 +4,7 @@
 #include "Schema.h"
 #include "SqlTables.h"
 
+#include <QFileInfo>
 #include <QSqlError>
 #include <QSqlQuery>
 
@@ -131,6 +132,11 @@ void SqlDatabase::dropConnection()
 
 void SqlDatabase::ensureOpen(const char *procedure)
 {
+    // A database file deleted under an open connection would swallow every later
+    // subgroup into the removed file: the connection is made again, which makes the
+    // file again.
+    if (m_open && m_dialect == Dialect::SQLite && !QFileInfo::exists(m_source.filePath()))
+        dropConnection();
     if (m_open)
         return;
     if (m_reconnect && openConnection())
@@ -240,11 +246,14 @@ qint64 SqlDatabase::storeSubgroup(const Subgroup &subgroup)
                                        QLatin1String(procedure));
         // The statements outlive the transaction: a failed one is rolled back while
         // its statements still exist, so the server can release them cleanly.
+        QSqlQuery findKey = sql::prepare(
+            m_database, QStringLiteral("SELECT id FROM subgroups WHERE subgroup_key = ?"),
+            procedure);
         QSqlQuery insertSubgroup = sql::prepare(
             m_database,
             QStringLiteral("INSERT INTO subgroups (header_flag, value_count, sample_time,"
-                           " part_group, part, process_group, process, source_tag)"
-                           " VALUES (?, ?, ?, ?, ?, ?, ?, ?) RETURNING id"),
+                           " part_group, part, process_group, process, source_tag, subgroup_key)"
+                           " VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?) RETURNING id"),
             procedure);
         QSqlQuery insertItem = sql::prepare(
             m_database,
@@ -259,10 +268,20 @@ qint64 SqlDatabase::storeSubgroup(const Subgroup &subgroup)
         if (!m_database.transaction())
             throw sql::failure(m_database.lastError(), QLatin1String(procedure));
         try {
+            // Checked inside the transaction: the unique index refuses a second copy that
+            // another workstation might commit meanwhile.
+            if (!header.key.isEmpty()) {
+                sql::run(findKey, {header.key}, procedure);
+                if (findKey.next()) {
+                    const qint64 present = findKey.value(0).toLongLong();
+                    m_database.rollback();
+                    return present;
+                }
+            }
             sql::run(insertSubgroup,
                      {header.flag ? 1 : 0, header.valueCount, tables::timeText(header.dateTime),
                       header.partGroup, header.part, header.processGroup, header.process,
-                      header.sourceTag},
+                      header.sourceTag, tables::optionalText(header.key)},
                      procedure);
             const qint64 subgroupId = tables::returnedId(insertSubgroup, procedure);
             int order = 0;

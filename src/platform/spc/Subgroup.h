@@ -20,6 +20,9 @@ struct SubgroupHeader
     QString processGroup;
     QString process;
     QString sourceTag;
+    // Given once when the period closes and kept through every retry, so that the
+    // database recognises a subgroup it already holds.
+    QString key = {};
 };
 
 struct SubgroupValue
@@ -51,6 +54,8 @@ public:
     // dropped.
     void setHeader(const SubgroupHeader &header);
     const SubgroupHeader &header() const { return m_header; }
+    // Corrects the header of the subgroup as it is, keeping its test items.
+    void amendHeader(const SubgroupHeader &header) { m_header = header; }
 
     void AddTestItem(const QString &name, int kind);
     // Adds a value to the test item added last. Throws a ProgramError when no test item

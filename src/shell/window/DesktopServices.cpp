@@ -67,6 +67,7 @@ MainWindowServices DesktopServices::windowServices()
         .help = m_help,
         .database = m_database,
         .messages = m_messages,
+        .eventLog = &m_eventLog,
     };
 }
 
@@ -76,6 +77,10 @@ MonitorSlot DesktopServices::makeSlot(int slotIndex, const ShellFiles &files,
     Q_UNUSED(slotIndex)
     if (!m_partSelector)
         m_partSelector = std::make_unique<WidgetPartSelector>(language, m_samplingDialogs);
+    if (!m_outbox) {
+        m_outbox = std::make_unique<SubgroupOutbox>(
+            SubgroupOutbox::besideConfigurations(files.configurationsPath));
+    }
     const auto makeSampling = [this, dataFolder = files.dataFolder] {
         return std::make_unique<SamplingProperties>(SamplingServices{
             .errors = m_errors,
@@ -85,6 +90,8 @@ MonitorSlot DesktopServices::makeSlot(int slotIndex, const ShellFiles &files,
             .dataFolder = dataFolder,
             .makeDatabase = {},
             .partSelector = m_partSelector.get(),
+            .outbox = m_outbox.get(),
+            .eventLog = &m_eventLog,
         });
     };
     auto monitor = std::make_unique<EquipmentMonitor>(MonitorServices{
@@ -98,6 +105,7 @@ MonitorSlot DesktopServices::makeSlot(int slotIndex, const ShellFiles &files,
         .simulator = &m_simulator,
         .valueBound = m_valuesKept,
         .makeSampling = makeSampling,
+        .messageBoxes = &m_messages,
     });
     if (m_broker)
         m_broker->watch(*monitor);

@@ -6,6 +6,7 @@
 
 #include "dialogs/FileDialogChooser.h"
 #include "monitor/WeldSimulator.h"
+#include "outbox/SubgroupOutbox.h"
 #include "platform/Clock.h"
 #include "platform/EventLog.h"
 #include "platform/LoggedErrorReport.h"
@@ -73,4 +74,6 @@ private:
     std::unique_ptr<WidgetPartSelector> m_partSelector;
     QString m_brokerNotice;
     std::unique_ptr<BrokerPublishing> m_broker;
+    // Made with the first monitor, beside the configurations file.
+    std::unique_ptr<SubgroupOutbox> m_outbox;
 };

@@ -14,6 +14,7 @@ class Clock;
 class ConfigurationCommands;
 class DatabaseSupport;
 class ErrorReport;
+class EventLog;
 class HelpModule;
 class MessageBoxes;
 class QWidget;
@@ -58,4 +59,6 @@ struct MainWindowServices
     MessageBoxes &messages;
     // The unit system of the user's region: the default when the preferences file has none.
     MeasurementSystem regionalUnits = regionalMeasurementSystem();
+    // Where a save that kept an unread original says so.
+    EventLog *eventLog = nullptr;
 };

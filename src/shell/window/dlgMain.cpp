@@ -1,5 +1,7 @@
 #include "dlgMain.h"
 
+#include "shell/DroppedContent.h"
+
 #include "ConfigurationCommands.h"
 #include "WelderStatus.h"
 
@@ -168,6 +170,13 @@ void dlgMain::createConfigurations()
     connect(set, &ConfigurationSet::tabRemoved, this, &dlgMain::tabRemoved);
     connect(set, &ConfigurationSet::tabCaptionChanged, this, &dlgMain::tabCaptionChanged);
     connect(set, &ConfigurationSet::currentTabChanged, this, &dlgMain::currentTabChanged);
+    connect(set, &ConfigurationSet::unreadContentKept, this,
+            [this](const QString &copyPath, const QStringList &dropped) {
+                if (!m_services.eventLog)
+                    return;
+                reportFailures(m_services.errors, "dlgMain.Form_QueryUnload",
+                               [&] { logUnreadKept(*m_services.eventLog, copyPath, dropped); });
+            });
 }
 
 MonitorSlot dlgMain::makeSlot(int slotIndex)

@@ -1,5 +1,6 @@
 #include "ScratchDatabase.h"
 
+#include "platform/spc/Schema.h"
 #include "platform/spc/SqlDatabase.h"
 
 #include <QDir>
@@ -104,7 +105,8 @@ private slots:
         };
         ToolRun result = run({"init"});
         QCOMPARE(result.exitCode, 0);
-        QCOMPARE(result.out, QStringLiteral("schema version 3\n"));
+        QCOMPARE(result.out,
+                 QStringLiteral("schema version %1\n").arg(qlaDatabase6::Schema::latestVersion()));
         for (const QStringList &command :
              QList<QStringList>{{"add-group", "Line 3"},
                                 {"add-part", "Housing, left", "--group", "Line 3"},
