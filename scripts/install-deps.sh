@@ -13,6 +13,12 @@ packages=(
   libmosquitto-dev mosquitto mosquitto-clients openssl
   libsystemd-dev systemd
 )
+# The Windows cross-build and wine, only where the Qt SDK for MinGW is at hand (some
+# 700 MB that a machine without the SDK would never use).
+if "$(dirname "$0")"/windows/sdk-at-hand.sh >/dev/null 2>&1; then
+  packages+=(g++-mingw-w64-x86-64-posix mingw-w64-x86-64-dev binutils-mingw-w64-x86-64
+             wine64 fonts-dejavu-core python3)
+fi
 
 missing=()
 for p in "${packages[@]}"; do

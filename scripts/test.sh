@@ -1,10 +1,12 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds, and runs every test: the Qt Test suites in an
 # optimised build, a short hall of 50 simulated welders against the headless monitor,
-# the same suites under AddressSanitizer and UndefinedBehaviorSanitizer, and the parser's
-# fuzz target for a bounded time. The suites of the plant-wide SPC database and one hall
+# the same suites under AddressSanitizer and UndefinedBehaviorSanitizer, and the fuzz
+# targets for a bounded time. The suites of the plant-wide SPC database and one hall
 # run against a throwaway PostgreSQL server, and those of MQTT publishing against a
-# throwaway mosquitto broker, that this script starts and stops.
+# throwaway mosquitto broker, that this script starts and stops. Where the Qt SDK for
+# MinGW-w64 is at hand, the Windows build is made and tested under wine as well, and
+# its zip packed.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -29,5 +31,12 @@ cmake --build --preset asan-ubsan -j "$jobs"
 ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
     scripts/with-postgres.sh scripts/with-mosquitto.sh ctest --preset asan-ubsan -j "$jobs"
 
-echo "== Fuzz the frame parser for ${fuzz_seconds} s"
+echo "== Fuzz targets for ${fuzz_seconds} s in all"
 fuzz/run.sh build/asan-ubsan "$fuzz_seconds"
+
+if reason=$(scripts/windows/sdk-at-hand.sh 2>&1 >/dev/null); then
+    echo "== Windows: cross-build, suites and the headless program under wine, zip"
+    scripts/windows/test.sh "$jobs"
+else
+    echo "== Windows stage skipped: $reason"
+fi

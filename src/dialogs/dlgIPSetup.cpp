@@ -24,7 +24,6 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QPushButton>
-#include <QSerialPortInfo>
 #include <QStackedWidget>
 #include <QTimer>
 #include <QVBoxLayout>
@@ -192,18 +191,7 @@ void dlgIPSetup::SetupCombos()
         m_cmboCommunicationsType->addItems({translate(kSerialPort), translate(kEthernet)});
 
         m_cmboComPort->clear();
-        for (int port = 1; port <= 9; ++port)
-            m_cmboComPort->addItem(QString::number(port));
-#ifndef Q_OS_WIN
-        // Here a number n is the n-th serial device the system lists; the devices
-        // present are offered by their paths as well.
-        QStringList devices;
-        const QList<QSerialPortInfo> ports = QSerialPortInfo::availablePorts();
-        for (const QSerialPortInfo &info : ports)
-            devices.append(info.systemLocation());
-        std::sort(devices.begin(), devices.end());
-        m_cmboComPort->addItems(devices);
-#endif
+        m_cmboComPort->addItems(QtSerialPort::portChoices());
 
         m_cmboBaudRate->clear();
         m_cmboBaudRate->addItems({"110", "300", "600", "1200", "2400", "4800", "9600", "14400",

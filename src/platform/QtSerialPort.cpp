@@ -6,12 +6,17 @@
 
 namespace {
 
+// The port list always offers these numbers, present or not: a port may be plugged in
+// after the dialog opens.
+constexpr int kListedPortNumbers = 9;
+
 void setReason(QString *errorText, const QString &reason)
 {
     if (errorText)
         *errorText = reason;
 }
 
+#ifndef Q_OS_WIN
 // Device paths in the order people count them: /dev/ttyS2 before /dev/ttyS10.
 bool deviceOrder(const QString &a, const QString &b)
 {
@@ -29,6 +34,7 @@ bool deviceOrder(const QString &a, const QString &b)
         return prefixA < prefixB;
     return numberA < numberB;
 }
+#endif
 
 std::optional<QSerialPort::Parity> parityFor(QChar letter)
 {
@@ -175,6 +181,36 @@ QString QtSerialPort::deviceFor(const QString &port, QString *errorText)
     }
     return devices.at(number - 1);
 #endif
+}
+
+QStringList QtSerialPort::portChoices()
+{
+    QStringList choices;
+    for (int number = 1; number <= kListedPortNumbers; ++number)
+        choices.append(QString::number(number));
+    const QList<QSerialPortInfo> ports = QSerialPortInfo::availablePorts();
+#ifdef Q_OS_WIN
+    QList<int> higher;
+    for (const QSerialPortInfo &info : ports) {
+        const QString name = info.portName();
+        bool isNumber = false;
+        const int number = name.startsWith(QLatin1String("COM"), Qt::CaseInsensitive)
+                               ? name.mid(3).toInt(&isNumber)
+                               : 0;
+        if (isNumber && number > kListedPortNumbers && !higher.contains(number))
+            higher.append(number);
+    }
+    std::sort(higher.begin(), higher.end());
+    for (const int number : higher)
+        choices.append(QString::number(number));
+#else
+    QStringList devices;
+    for (const QSerialPortInfo &info : ports)
+        devices.append(info.systemLocation());
+    std::sort(devices.begin(), devices.end(), deviceOrder);
+    choices.append(devices);
+#endif
+    return choices;
 }
 
 bool QtSerialPort::open(const SerialSettings &settings, QString *errorText)

@@ -50,6 +50,11 @@ public:
     // the reason, when there is none.
     static QString deviceFor(const QString &port, QString *errorText);
 
+    // What the port list of the setup dialog offers: the numbers 1 to 9, then on Windows
+    // the numbers of the system's COM ports above 9, elsewhere the paths of the serial
+    // devices the system lists.
+    static QStringList portChoices();
+
 private:
     void onErrorOccurred(QSerialPort::SerialPortError error);
 

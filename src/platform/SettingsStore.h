@@ -4,9 +4,10 @@
 
 // The per-machine key/value store from which the program reads its title, its build
 // number and where its configurations file lives. A read names a section and a key and
-// returns the stored text, or the default when the key is absent. (QSettings in the
-// system scope: the registry under HKLM on Windows, an INI file under /etc/xdg on other
-// systems; a test or demonstration can point it at a file of its own.)
+// returns the stored text, or the default when the key is absent. (QSettings: on Windows
+// the registry, HKCU first and then HKLM under Software\Corvane\Monitor; an INI file
+// under /etc/xdg on other systems; a test or demonstration can point it at a file of its
+// own.)
 class SettingsStore
 {
 public:

@@ -1,5 +1,6 @@
 #include "HeadlessOptions.h"
 
+#include "TerminationSignals.h"
 #include "mqtt/MqttSettings.h"
 #include "platform/ProgramFiles.h"
 
@@ -63,22 +64,25 @@ std::optional<HeadlessOptions> HeadlessOptions::parse(const QStringList &argumen
 QString HeadlessOptions::usage()
 {
     return QStringLiteral(
-        "Usage: corvane-monitor [--headless] [--data-dir DIR] [--verbose] [--values-kept N]\n"
-        "                       [--mqtt URL] [/debug]\n"
-        "Watches the welders of the configurations file in the data folder and logs\n"
-        "their welds.\n"
-        "\n"
-        "  --headless      Run without a window until SIGINT or SIGTERM, then save the\n"
-        "                  configurations file and end.\n"
-        "  --data-dir DIR  Data folder (overrides CORVANE_DATA_DIR).\n"
-        "  --verbose       Print one line per weld: configuration, cycle, weld time,\n"
-        "                  energy, alarms; and one line per control-chart rule that a\n"
-        "                  sampled subgroup breaks against its frozen limits.\n"
-        "  --values-kept N Values of each characteristic kept one by one; older ones\n"
-        "                  are folded into a histogram (default 2678400, a month at\n"
-        "                  one weld a second).\n"
-        "  --mqtt URL      Publish every weld to an MQTT broker: mqtt://host[:port][/root]\n"
-        "                  or mqtts://... (overrides the [MQTT] preferences).\n"
-        "  /debug          Replace received values by simulated ones.\n"
-        "  -h, --help      Show this help.\n");
+               "Usage: corvane-monitor [--headless] [--data-dir DIR] [--verbose] "
+               "[--values-kept N]\n"
+               "                       [--mqtt URL] [/debug]\n"
+               "Watches the welders of the configurations file in the data folder and logs\n"
+               "their welds.\n"
+               "\n"
+               "  --headless      Run without a window until %1,\n"
+               "                  then save the configurations file and end.\n")
+               .arg(QLatin1String(TerminationSignals::kHowToEnd)) +
+           QStringLiteral(
+               "  --data-dir DIR  Data folder (overrides CORVANE_DATA_DIR).\n"
+               "  --verbose       Print one line per weld: configuration, cycle, weld time,\n"
+               "                  energy, alarms; and one line per control-chart rule that a\n"
+               "                  sampled subgroup breaks against its frozen limits.\n"
+               "  --values-kept N Values of each characteristic kept one by one; older ones\n"
+               "                  are folded into a histogram (default 2678400, a month at\n"
+               "                  one weld a second).\n"
+               "  --mqtt URL      Publish every weld to an MQTT broker: mqtt://host[:port][/root]\n"
+               "                  or mqtts://... (overrides the [MQTT] preferences).\n"
+               "  /debug          Replace received values by simulated ones.\n"
+               "  -h, --help      Show this help.\n");
 }

@@ -158,10 +158,9 @@ bool HeadlessRunner::start()
                            [&] { monitor.StartDataCollection(); });
         }
     }
-    std::fprintf(stderr,
-                 "%s: watching %d configuration(s) of %s; SIGINT, SIGTERM or SIGHUP ends.\n",
-                 qPrintable(m_title), m_configurations->ConfigurationCount(),
-                 qPrintable(m_files.configurationsPath));
+    std::fprintf(stderr, "%s: watching %d configuration(s) of %s; %s ends.\n", qPrintable(m_title),
+                 m_configurations->ConfigurationCount(), qPrintable(m_files.configurationsPath),
+                 TerminationSignals::kHowToEnd);
     m_started = true;
     return true;
 }

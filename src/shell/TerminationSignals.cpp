@@ -41,6 +41,9 @@ TerminationSignals::TerminationSignals(QObject *parent)
     if (g_instance)
         return;
     g_instance = this;
+    // The monitor is a windowed program: started from a console it is not attached to
+    // it, and only an attached program receives the console's Ctrl+C and close events.
+    ::AttachConsole(ATTACH_PARENT_PROCESS);
     m_active = ::SetConsoleCtrlHandler(onConsoleControl, TRUE) != 0;
 }
 

@@ -21,6 +21,13 @@ public:
     // False when the socket pair or the handlers could not be set up.
     bool isActive() const { return m_active; }
 
+    // What ends a headless run, in the words of the platform.
+#ifdef Q_OS_WIN
+    static constexpr const char *kHowToEnd = "Ctrl+C, Ctrl+Break or closing the console";
+#else
+    static constexpr const char *kHowToEnd = "SIGINT, SIGTERM or SIGHUP";
+#endif
+
 signals:
     void terminationRequested(int signalNumber);
 

@@ -2,9 +2,11 @@
 // power supply, and a pseudo-terminal standing in for the serial cable.
 
 #include "ManualClock.h"
-#include "PseudoTerminal.h"
 #include "RecordingErrorReport.h"
 #include "SampleWelds.h"
+#ifdef Q_OS_UNIX
+#include "PseudoTerminal.h"
+#endif
 
 #include "monitor/EquipmentMonitor.h"
 #include "platform/EventLog.h"
@@ -178,6 +180,9 @@ private slots:
         QTRY_COMPARE(m.monitor->connectionLabel(), QStringLiteral("Connecting..."));
     }
 
+#ifdef Q_OS_UNIX
+    // Serial reads need a real device; wine delivers none, so Windows tests the link
+    // over TCP only.
     void weldsOverAPseudoTerminal()
     {
         PseudoTerminal cable;
@@ -203,6 +208,7 @@ private slots:
         QCOMPARE(m.monitor->GetSocketState(), QStringLiteral("Closed"));
         QCOMPARE(m.monitor->startStopCaption(), QStringLiteral("&Start"));
     }
+#endif
 
     void serialPortThatDoesNotExist()
     {

@@ -159,6 +159,7 @@ private slots:
         QTEST(options ? describe(*options) : QStringLiteral("refused"), "expected");
     }
 
+#ifdef Q_OS_UNIX
     void terminationSignalsReachTheEventLoop()
     {
         TerminationSignals termination;
@@ -171,6 +172,7 @@ private slots:
         QTRY_COMPARE(requested.count(), 2);
         QCOMPARE(requested.last().first().toInt(), SIGINT);
     }
+#endif
 };
 
 QTEST_GUILESS_MAIN(TestStartup)

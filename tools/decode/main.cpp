@@ -2,6 +2,7 @@
 
 #include "CaptureDecoder.h"
 
+#include "platform/BinaryStreams.h"
 #include "platform/Clock.h"
 #include "platform/ProgramFiles.h"
 
@@ -21,6 +22,15 @@ int usageError(const QString &message)
 {
     std::fprintf(stderr, "corvane-decode: %s\n", qPrintable(message));
     return kUsage;
+}
+
+// Standard input is read with the C library: on Windows a QFile over a pipe reports the
+// pipe's end as a read error.
+QByteArray readStandardInput(qint64 size)
+{
+    QByteArray piece(qsizetype(size), Qt::Uninitialized);
+    piece.truncate(qsizetype(std::fread(piece.data(), 1, size_t(size), stdin)));
+    return piece;
 }
 
 void writeLine(std::FILE *stream, const QString &line)
@@ -78,15 +88,14 @@ int main(int argc, char *argv[])
             ProgramFiles(ProgramFiles::resolveDataFolder(parser.value(dataDir))).preferencesPath(),
             regionalMeasurementSystem());
 
+    useBinaryStandardStreams();
     QFile input;
-    if (parser.positionalArguments().isEmpty()) {
-        if (!input.open(stdin, QIODevice::ReadOnly))
-            return usageError(QStringLiteral("cannot read standard input"));
-    } else {
+    const bool fromStandardInput = parser.positionalArguments().isEmpty();
+    if (!fromStandardInput) {
         input.setFileName(parser.positionalArguments().constFirst());
         if (!input.open(QIODevice::ReadOnly))
-            return usageError(QStringLiteral("cannot read %1: %2")
-                                  .arg(input.fileName(), input.errorString()));
+            return usageError(
+                QStringLiteral("cannot read %1: %2").arg(input.fileName(), input.errorString()));
     }
 
     const SystemClock clock;
@@ -97,11 +106,14 @@ int main(int argc, char *argv[])
         });
     writeLine(stdout, decoder.headerLine());
     for (;;) {
-        const QByteArray piece = input.read(chunkSize);
+        const QByteArray piece =
+            fromStandardInput ? readStandardInput(chunkSize) : input.read(chunkSize);
         if (piece.isEmpty())
             break;
         decoder.feed(piece);
     }
+    if (fromStandardInput && std::ferror(stdin))
+        return usageError(QStringLiteral("read failed on standard input"));
     if (input.error() != QFileDevice::NoError)
         return usageError(QStringLiteral("read failed: %1").arg(input.errorString()));
     decoder.finish();

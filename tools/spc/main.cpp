@@ -4,6 +4,7 @@
 #include "SpcCommandLine.h"
 #include "SpcTool.h"
 
+#include "platform/BinaryStreams.h"
 #include "platform/Clock.h"
 #include "platform/ProgramError.h"
 #include "platform/ProgramFiles.h"
@@ -34,6 +35,8 @@ int main(int argc, char *argv[])
 {
     QCoreApplication app(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("corvane-spc"));
+    // The same report and CSV bytes on every platform.
+    useBinaryStandardStreams();
 
     QString problem;
     const std::optional<SpcCommand> command =

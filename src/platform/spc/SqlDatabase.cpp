@@ -72,7 +72,13 @@ bool SqlDatabase::openConnection()
     m_dialect = sqlite ? Dialect::SQLite : Dialect::PostgreSQL;
     const QString driver = sqlite ? QStringLiteral("QSQLITE") : QStringLiteral("QPSQL");
     if (!QSqlDatabase::isDriverAvailable(driver)) {
-        fail(QStringLiteral("The database driver %1 is not installed").arg(driver));
+        // The Windows build carries no PostgreSQL client; a plant database there is
+        // refused with a reason, and the workstation's SQLite file still works.
+        fail(sqlite ? QStringLiteral("The database driver %1 is not installed").arg(driver)
+                    : QStringLiteral("PostgreSQL is unavailable on this installation (the "
+                                     "database driver %1 is not installed); use an SQLite "
+                                     "database file instead")
+                          .arg(driver));
         return false;
     }
     m_database = QSqlDatabase::addDatabase(driver, m_connectionName);
