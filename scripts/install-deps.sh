@@ -11,7 +11,7 @@ packages=(
   libbenchmark-dev
   postgresql sqlite3 socat xvfb xauth xdg-utils
   libmosquitto-dev mosquitto mosquitto-clients openssl
-  libsystemd-dev systemd
+  libsystemd-dev systemd gcovr
 )
 # The Windows cross-build and wine, only where the Qt SDK for MinGW is at hand (some
 # 700 MB that a machine without the SDK would never use).
