@@ -20,15 +20,15 @@ QStringView linkStateToken(LinkState state)
 {
     switch (state) {
     case LinkState::ShutDown:
-        return u"Shut down";
+        return u"7553|Shut down";
     case LinkState::Stopped:
-        return u"Stopped";
+        return u"7554|Stopped";
     case LinkState::ConnectRequested:
         return u"6051|Connecting...";
     case LinkState::Connected:
         return u"6052|Connected";
     }
-    return u"Stopped";
+    return u"7554|Stopped";
 }
 
 // The colour of a characteristic's cell, as its meter's bar would be.
@@ -107,12 +107,12 @@ void WelderTile::refresh()
 
     m_lblWelds->setText(QStringLiteral("%1 %2 · %3 %4")
                             .arg(m_figures.weldsInLastHour())
-                            .arg(m_language.Translate(u"welds in the last hour"))
+                            .arg(m_language.Translate(u"7551|welds in the last hour"))
                             .arg(QLocale().toString(m_figures.weldsPerMinute(), 'f', 1))
-                            .arg(m_language.Translate(u"per minute")));
+                            .arg(m_language.Translate(u"7552|per minute")));
     const QDateTime last = m_figures.lastWeldTime();
     m_lblLastWeld->setText(
-        m_language.Translate(u"Last weld") + QStringLiteral(": ") +
+        m_language.Translate(u"7000|Last weld") + QStringLiteral(": ") +
         (last.isValid() ? QLocale().toString(last, QLocale::ShortFormat) : QStringLiteral("----")));
 
     const auto &characteristics = m_figures.characteristics();

@@ -179,7 +179,7 @@ void dlgMain::translateCaptions()
 {
     setWindowTitle(m_services.applicationTitle);
     m_menus.translateCaptions(m_language);
-    m_btnOverview->setText(m_language.Translate(u"Overview"));
+    m_btnOverview->setText(m_language.Translate(u"7550|Overview"));
     static_cast<QLabel *>(m_emptyPage)
         ->setText(m_language.Translate(u"7050|No welder is configured: add one with "
                                        u"Configuration, Add."));
