@@ -16,6 +16,7 @@ cmake --build --preset windows-mingw -j "$jobs"
 # One wine server for the whole stage, in a prefix made before it starts: each program
 # start then costs well under a second instead of about 2.5 s.
 scripts/windows/prepare-wine-prefix.sh
+/usr/lib/wine/wineserver -w # the server that making the prefix started ends first
 /usr/lib/wine/wineserver -p
 trap '/usr/lib/wine/wineserver -k || true' EXIT
 
