@@ -3,11 +3,15 @@
 #include "FileErrors.h"
 
 #include <QFileInfo>
-#include <QTemporaryFile>
+#include <QFile>
 
 #include <filesystem>
 #include <system_error>
 
+#ifdef Q_OS_WIN
+#include <QDir>
+#include <qt_windows.h>
+#endif
 #ifdef Q_OS_UNIX
 #include <cerrno>
 #include <cstring>
@@ -41,29 +45,56 @@ void syncFolder(const QString &folder)
 void replaceWholeFile(const QString &path, const QByteArray &bytes, const QString &source)
 {
     const QFileInfo target(path);
-    QTemporaryFile file(target.absoluteFilePath() + QStringLiteral(".saving-XXXXXX"));
-    if (!file.open())
+    // A plain file beside the target rather than a temporary-file object: on Windows the
+    // latter keeps a handle on its file after close, and the move below then fails.
+    QFile file(target.absoluteFilePath() + QStringLiteral(".saving"));
+    const auto discard = [&file] { file.close(); file.remove(); };
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
         throw fileError(file, source);
-    if (file.write(bytes) != bytes.size() || !file.flush())
-        throw fileError(file, source);
+    if (file.write(bytes) != bytes.size() || !file.flush()) {
+        const ProgramError error = fileError(file, source);
+        discard();
+        throw error;
+    }
 #ifdef Q_OS_UNIX
-    if (::fsync(file.handle()) != 0)
-        throw systemError(errno, QStringLiteral("Forcing %1 to the disk").arg(path), source);
+    if (::fsync(file.handle()) != 0) {
+        const int number = errno;
+        discard();
+        throw systemError(number, QStringLiteral("Forcing %1 to the disk").arg(path), source);
+    }
 #endif
     file.close();
-    if (file.error() != QFileDevice::NoError)
-        throw fileError(file, source);
+    if (file.error() != QFileDevice::NoError) {
+        const ProgramError error = fileError(file, source);
+        file.remove();
+        throw error;
+    }
+#ifdef Q_OS_WIN
+    // Windows refuses to rename onto a file that exists; MoveFileEx replaces it in one
+    // step and returns once the move has reached the disk.
+    const QString from = QDir::toNativeSeparators(file.fileName());
+    const QString to = QDir::toNativeSeparators(target.absoluteFilePath());
+    if (!MoveFileExW(reinterpret_cast<const wchar_t *>(from.utf16()),
+                     reinterpret_cast<const wchar_t *>(to.utf16()),
+                     MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH)) {
+        const QString reason = qt_error_string(static_cast<int>(GetLastError()));
+        file.remove();
+        throw ProgramError(ProgramError::kPathFileAccessError,
+                           QStringLiteral("Replacing %1: %2").arg(path, reason), source);
+    }
+#else
     std::error_code failure;
     std::filesystem::rename(std::filesystem::path(file.fileName().toStdU16String()),
                             std::filesystem::path(target.absoluteFilePath().toStdU16String()),
                             failure);
     if (failure) {
+        file.remove();
         throw ProgramError(
             ProgramError::kPathFileAccessError,
             QStringLiteral("Replacing %1: %2").arg(path, QString::fromLocal8Bit(failure.message())),
             source);
     }
-    file.setAutoRemove(false);
+#endif
 #ifdef Q_OS_UNIX
     syncFolder(target.absolutePath());
 #endif
