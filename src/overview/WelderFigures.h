@@ -15,8 +15,8 @@ class EquipmentMonitor;
 
 // What the hall overview shows of one welder, kept up to date from its monitor's
 // signals: how many welds it made in the last hour and at what rate, when the last one
-// came, and for each characteristic how many of its recent welds broke the specification
-// or the warning limits. Reading costs nothing; the figures change with every weld.
+// came, and for each characteristic how many of its recent welds broke its
+// specification or warning limits. Reading costs nothing; the figures change with every weld.
 class WelderFigures : public QObject
 {
     Q_OBJECT

@@ -10,7 +10,7 @@ class ErrorReport;
 
 // The running statistics of one weld characteristic in one monitor: the values since the
 // last ClearData (the histogram and the summary need them all), the running count,
-// average, minimum and maximum, and the specification and warning limits that the SPC
+// average, minimum and maximum, and the specification limits and warning limits the SPC
 // database gives it. Values are kept compactly as the whole steps the power supply sent;
 // beyond the value bound the oldest are folded into a tally of how often each value
 // occurred, which still serves the summary's counts and bins, so a monitor that runs for
