@@ -11,6 +11,8 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include "HeadlessEnvironment.h"
+
 namespace {
 
 constexpr int kWelds = 16;
@@ -215,9 +217,7 @@ private slots:
         configurations.close();
 
         QProcess monitor;
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.remove(QStringLiteral("CORVANE_DATA_DIR"));
-        env.insert(QStringLiteral("CORVANE_SETTINGS_FILE"), m_folder.filePath("settings.ini"));
+        QProcessEnvironment env = headlessEnvironment(QDir(m_folder.path()));
         env.insert(QStringLiteral("LC_ALL"), QStringLiteral("C"));
         monitor.setProcessEnvironment(env);
         monitor.start(QStringLiteral(CORVANE_MONITOR_EXE),

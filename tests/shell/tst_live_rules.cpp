@@ -5,6 +5,8 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include "HeadlessEnvironment.h"
+
 namespace {
 
 // Ten baseline subgroups of five energies around 500 J, with a spread of about 10 J.
@@ -82,10 +84,7 @@ private slots:
         configurations.close();
 
         QProcess monitor;
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.remove(QStringLiteral("CORVANE_DATA_DIR"));
-        env.insert(QStringLiteral("CORVANE_SETTINGS_FILE"), m_folder.filePath("settings.ini"));
-        monitor.setProcessEnvironment(env);
+        monitor.setProcessEnvironment(headlessEnvironment(QDir(m_folder.path())));
         monitor.start(QStringLiteral(CORVANE_MONITOR_EXE),
                       {"--headless", "--verbose", "--data-dir", m_folder.path()});
         QVERIFY(monitor.waitForStarted(5000));
