@@ -308,21 +308,27 @@ private slots:
                                  .arg(port, m_dsn)
                                  .toUtf8());
         configurations.close();
-        const QStringList outbox = {"outbox", "--outbox", folder.filePath("corvane-monitor.outbox")};
+        const QStringList outbox = {"outbox", "--outbox",
+                                    folder.filePath("corvane-monitor.outbox")};
         const auto waiting = [&] {
             QByteArray listing;
             spc(outbox, &listing);
-            return QRegularExpression("(\\d+) subgroup").match(QString::fromUtf8(listing)).captured(1).toInt();
+            return QRegularExpression("(\\d+) subgroup")
+                .match(QString::fromUtf8(listing))
+                .captured(1)
+                .toInt();
         };
         QProcess monitor;
-        monitor.start(QStringLiteral(CORVANE_MONITOR_EXE), {"--headless", "--data-dir", folder.path()});
+        monitor.start(QStringLiteral(CORVANE_MONITOR_EXE),
+                      {"--headless", "--data-dir", folder.path()});
         QTRY_VERIFY_WITH_TIMEOUT(waiting() >= 3, 20000);
         monitor.kill();
         QVERIFY(monitor.waitForFinished(5000));
         const int queued = waiting();
 
         QVERIFY(QDir().mkpath(folder.filePath("plant")));
-        monitor.start(QStringLiteral(CORVANE_MONITOR_EXE), {"--headless", "--data-dir", folder.path()});
+        monitor.start(QStringLiteral(CORVANE_MONITOR_EXE),
+                      {"--headless", "--data-dir", folder.path()});
         QTRY_COMPARE_WITH_TIMEOUT(waiting(), 0, 20000);
         monitor.terminate();
         QVERIFY(monitor.waitForFinished(10000));
