@@ -44,10 +44,10 @@ void BM_PublishWelds(benchmark::State &state)
     const int batch = int(state.range(0));
     WeldGenerator generator(MeasurementSystem::Metric, 1);
     const qlxLanguage language;
-    const MqttPayloads::WeldContext context{.configuration = QStringLiteral("Press 1"),
-                                            .part = QStringLiteral("Housing"),
-                                            .process = QStringLiteral("Seal"),
-                                            .measurementSystem = MeasurementSystem::Metric};
+    const MqttPayloads::Source context{.configuration = QStringLiteral("Press 1"),
+                                       .part = QStringLiteral("Housing"),
+                                       .process = QStringLiteral("Seal"),
+                                       .measurementSystem = MeasurementSystem::Metric};
     const QString topic = QStringLiteral("bench/Press 1/weld");
     qint64 welds = 0;
     for (auto _ : state) {
@@ -70,10 +70,10 @@ void BM_BuildWeldMessage(benchmark::State &state)
     WeldGenerator generator(MeasurementSystem::Metric, 1);
     const CorvaneFUN26 record = generator.next();
     const qlxLanguage language;
-    const MqttPayloads::WeldContext context{.configuration = QStringLiteral("Press 1"),
-                                            .part = QStringLiteral("Housing"),
-                                            .process = QStringLiteral("Seal"),
-                                            .measurementSystem = MeasurementSystem::Metric};
+    const MqttPayloads::Source context{.configuration = QStringLiteral("Press 1"),
+                                       .part = QStringLiteral("Housing"),
+                                       .process = QStringLiteral("Seal"),
+                                       .measurementSystem = MeasurementSystem::Metric};
     for (auto _ : state)
         benchmark::DoNotOptimize(MqttPayloads::weld(context, record, language));
     state.SetItemsProcessed(state.iterations());

@@ -1,6 +1,8 @@
 #include "JsonWriter.h"
 
-#include <QLocale>
+#include <algorithm>
+#include <charconv>
+#include <cmath>
 
 JsonWriter::JsonWriter()
 {
@@ -11,13 +13,24 @@ JsonWriter::JsonWriter()
 void JsonWriter::field(const char *name, int value)
 {
     key(name);
-    m_bytes += QByteArray::number(value);
+    number(value);
 }
 
 void JsonWriter::field(const char *name, double value)
 {
     key(name);
-    m_bytes += QByteArray::number(value, 'g', QLocale::FloatingPointShortest);
+    // JSON has no infinity and no NaN.
+    if (!std::isfinite(value)) {
+        m_bytes += "null";
+        return;
+    }
+    number(value);
+}
+
+void JsonWriter::field(const char *name, bool value)
+{
+    key(name);
+    m_bytes += value ? "true" : "false";
 }
 
 void JsonWriter::field(const char *name, const QString &value)
@@ -45,9 +58,29 @@ void JsonWriter::beginObject(const char *name)
     m_first = true;
 }
 
+void JsonWriter::beginObject()
+{
+    separate();
+    m_bytes += '{';
+    m_first = true;
+}
+
 void JsonWriter::endObject()
 {
     m_bytes += '}';
+    m_first = false;
+}
+
+void JsonWriter::beginArray(const char *name)
+{
+    key(name);
+    m_bytes += '[';
+    m_first = true;
+}
+
+void JsonWriter::endArray()
+{
+    m_bytes += ']';
     m_first = false;
 }
 
@@ -57,21 +90,52 @@ QByteArray JsonWriter::take()
     return std::move(m_bytes);
 }
 
-void JsonWriter::key(const char *name)
+void JsonWriter::separate()
 {
     if (!m_first)
         m_bytes += ',';
     m_first = false;
+}
+
+void JsonWriter::key(const char *name)
+{
+    separate();
     m_bytes += '"';
     m_bytes += name;
     m_bytes += "\":";
 }
 
+template <typename Number> void JsonWriter::number(Number value)
+{
+    // Long enough for the shortest form of any double.
+    char digits[32];
+    const std::to_chars_result end = std::to_chars(std::begin(digits), std::end(digits), value);
+    m_bytes.append(digits, end.ptr - digits);
+}
+
 void JsonWriter::text(const QString &value)
 {
-    static const char kHex[] = "0123456789abcdef";
     m_bytes += '"';
-    for (const char c : value.toUtf8()) {
+    // Names and numbers are nearly always ASCII: those go over without an encoding pass.
+    const bool ascii = std::all_of(value.cbegin(), value.cend(), [](QChar c) {
+        return c.unicode() >= 0x20 && c.unicode() < 0x80 && c != u'"' && c != u'\\';
+    });
+    if (ascii) {
+        const qsizetype at = m_bytes.size();
+        m_bytes.resize(at + value.size());
+        char *out = m_bytes.data() + at;
+        for (const QChar c : value)
+            *out++ = char(c.unicode());
+    } else {
+        escaped(value.toUtf8());
+    }
+    m_bytes += '"';
+}
+
+void JsonWriter::escaped(const QByteArray &utf8)
+{
+    static const char kHex[] = "0123456789abcdef";
+    for (const char c : utf8) {
         const auto byte = static_cast<unsigned char>(c);
         if (c == '"' || c == '\\') {
             m_bytes += '\\';
@@ -84,5 +148,4 @@ void JsonWriter::text(const QString &value)
             m_bytes += c;
         }
     }
-    m_bytes += '"';
 }

@@ -6,28 +6,7 @@
 #include <QTest>
 
 #include "HeadlessEnvironment.h"
-
-namespace {
-
-// Ten baseline subgroups of five energies around 500 J, with a spread of about 10 J.
-QByteArray baselineReport()
-{
-    QByteArray csv = "subgroup,date_time,part_group,part,process_group,process,source_tag,"
-                     "value_count,test_item,kind,sample_number,value,text\r\n";
-    const int offsets[5] = {-12, -5, 0, 6, 11};
-    for (int s = 0; s < 10; ++s)
-        for (int i = 0; i < 5; ++i)
-            csv += QStringLiteral("%1,2026-11-01T%2:00:00,,Housing,,Seal weld,Corvane,5,Energy,1,"
-                                  "%3,%4,\r\n")
-                       .arg(s + 1)
-                       .arg(s + 8, 2, 10, QLatin1Char('0'))
-                       .arg(i + 1)
-                       .arg(500 + offsets[(i + s) % 5] + (s % 3))
-                       .toUtf8();
-    return csv;
-}
-
-} // namespace
+#include "SpcBaseline.h"
 
 // Limits frozen with corvane-spc, then corvane-monitor --headless --verbose sampling a
 // simulated welder whose energy has moved far from where it was: the first subgroup
@@ -55,7 +34,7 @@ private:
 private slots:
     void shiftedEnergyBreaksRuleOne()
     {
-        QVERIFY(spc({"import", "-"}, baselineReport()));
+        QVERIFY(spc({"import", "-"}, spcBaselineReport()));
         QVERIFY(spc({"freeze-limits", "--part", "Housing", "--process", "Seal weld", "--test",
                      "Energy", "--baseline", "10"}));
 
