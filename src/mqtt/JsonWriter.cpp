@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <cstring>
 
 JsonWriter::JsonWriter()
 {
-    m_bytes.reserve(2048);
     m_bytes += '{';
 }
 
@@ -21,7 +21,7 @@ void JsonWriter::field(const char *name, double value)
     key(name);
     // JSON has no infinity and no NaN.
     if (!std::isfinite(value)) {
-        m_bytes += "null";
+        append("null");
         return;
     }
     number(value);
@@ -30,7 +30,7 @@ void JsonWriter::field(const char *name, double value)
 void JsonWriter::field(const char *name, bool value)
 {
     key(name);
-    m_bytes += value ? "true" : "false";
+    append(value ? "true" : "false");
 }
 
 void JsonWriter::field(const char *name, const QString &value)
@@ -87,7 +87,12 @@ void JsonWriter::endArray()
 QByteArray JsonWriter::take()
 {
     m_bytes += '}';
-    return std::move(m_bytes);
+    return QByteArray(m_bytes.constData(), m_bytes.size());
+}
+
+void JsonWriter::append(const char *text)
+{
+    m_bytes.append(text, qsizetype(std::strlen(text)));
 }
 
 void JsonWriter::separate()
@@ -101,8 +106,9 @@ void JsonWriter::key(const char *name)
 {
     separate();
     m_bytes += '"';
-    m_bytes += name;
-    m_bytes += "\":";
+    append(name);
+    m_bytes += '"';
+    m_bytes += ':';
 }
 
 template <typename Number> void JsonWriter::number(Number value)
@@ -141,7 +147,7 @@ void JsonWriter::escaped(const QByteArray &utf8)
             m_bytes += '\\';
             m_bytes += c;
         } else if (byte < 0x20) {
-            m_bytes += "\\u00";
+            append("\\u00");
             m_bytes += kHex[byte >> 4];
             m_bytes += kHex[byte & 0xf];
         } else {

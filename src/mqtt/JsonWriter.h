@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QString>
 #include <QStringList>
+#include <QVarLengthArray>
 
 // Writes one compact JSON object straight into bytes, for messages that go out by the
 // thousand per second: the generic JSON document classes build a tree and sort its keys
@@ -30,12 +31,14 @@ public:
     QByteArray take();
 
 private:
+    void append(const char *text);
     void separate();
     void key(const char *name);
     template <typename Number> void number(Number value);
     void text(const QString &value);
     void escaped(const QByteArray &utf8);
 
-    QByteArray m_bytes;
+    // A weld message fits on the stack; the finished one is copied out once.
+    QVarLengthArray<char, 2048> m_bytes;
     bool m_first = true;
 };

@@ -105,6 +105,36 @@ private slots:
                      QList<QByteArray>{"sealed"});
         QCOMPARE(subscriber.payloads(QStringLiteral("plant/status")), QList<QByteArray>{"online"});
     }
+
+    // A broker that comes back with its store still holds the client's session: under
+    // MQTT 3.1.1 because clean session is off, under MQTT 5 because the connect asks for
+    // a session expiry.
+    void sessionOutlivesABrokerRestart_data()
+    {
+        QTest::addColumn<bool>("v5");
+        QTest::newRow("3.1.1") << false;
+        QTest::newRow("5") << true;
+    }
+
+    void sessionOutlivesABrokerRestart()
+    {
+        QFETCH(bool, v5);
+        QTemporaryDir folder;
+        EventLog eventLog(folder.filePath("events.log"), m_clock);
+        MosquittoBroker broker;
+        QVERIFY(broker.start());
+        MqttSettings settings = settingsFor(broker.port());
+        settings.protocol = v5 ? MqttSettings::Protocol::V5 : MqttSettings::Protocol::V311;
+        MqttClient client(settings, eventLog);
+        client.start();
+        QTRY_COMPARE(client.state(), MqttClient::State::Connected);
+        QVERIFY(!client.sessionResumed());
+        broker.stop();
+        QTRY_COMPARE(client.state(), MqttClient::State::Disconnected);
+        QVERIFY(broker.start());
+        QTRY_COMPARE_WITH_TIMEOUT(client.state(), MqttClient::State::Connected, 15000);
+        QVERIFY(client.sessionResumed());
+    }
 };
 
 QTEST_GUILESS_MAIN(TestMqttClient)
