@@ -83,7 +83,7 @@ void MainMenus::translateCaptions(const qlxLanguage &language)
     mnuSettings->setText(caption(u"6336|&Equipment Settings..."));
     mnuDataLogging->setText(caption(u"6335|&Data Logging..."));
     mnuSPCSampling->setText(caption(u"6337|SP&C Sampling..."));
-    mnuControlChart->setText(caption(u"7630|Control &Chart..."));
+    mnuControlChart->setText(caption(u"7630|Control C&hart..."));
     showStartStop(language, false);
 
     mnuHelp->setTitle(caption(u"303|&Help"));

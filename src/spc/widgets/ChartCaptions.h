@@ -38,7 +38,6 @@ inline constexpr QStringView kTest = u"7626|Test";
 inline constexpr QStringView kOpen = u"7627|&Open";
 inline constexpr QStringView kCancel = u"7628|&Cancel";
 inline constexpr QStringView kNoDatabase = u"7629|The SPC database cannot be opened: %1";
-inline constexpr QStringView kMenuItem = u"7630|Control &Chart...";
 inline constexpr QStringView kCp = u"7631|Cp";
 inline constexpr QStringView kCpk = u"7632|Cpk";
 inline constexpr QStringView kPp = u"7633|Pp";

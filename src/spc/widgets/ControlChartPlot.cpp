@@ -15,6 +15,9 @@ namespace {
 // How near the pointer must come to a marked point for its rules to show.
 constexpr double kHoverPixels = 6.0;
 constexpr double kMarkSize = 8.0;
+// Up to this many subgroups in view each gets a dot; more would only blur the line, and
+// drawing thousands of dots costs more than the whole rest of the chart.
+constexpr qsizetype kDottedPoints = 400;
 
 const QColor kValueColor(0x1f, 0x4e, 0x9a);
 const QColor kCentreColor(0x2e, 0x7d, 0x32);
@@ -54,6 +57,8 @@ ControlChartPlot::ControlChartPlot(QWidget *parent)
             m_lower->axis(QCPAxis::atBottom), qOverload<const QCPRange &>(&QCPAxis::setRange));
     connect(m_lower->axis(QCPAxis::atBottom), qOverload<const QCPRange &>(&QCPAxis::rangeChanged),
             m_upper->axis(QCPAxis::atBottom), qOverload<const QCPRange &>(&QCPAxis::setRange));
+    connect(m_upper->axis(QCPAxis::atBottom), qOverload<const QCPRange &>(&QCPAxis::rangeChanged),
+            this, &ControlChartPlot::dotVisiblePoints);
     connect(this, &QCustomPlot::mouseMove, this, &ControlChartPlot::showMarkText);
     setMouseTracking(true);
 }
@@ -141,6 +146,8 @@ void ControlChartPlot::setChart(const spc::Chart &chart, const Captions &caption
     m_lower->axis(QCPAxis::atLeft)->setLabel(captions.lowerTitle);
     m_xMarks = nullptr;
     m_spreadMarks = nullptr;
+    m_xValues = nullptr;
+    m_spreadValues = nullptr;
 
     if (m_lines.x.keys.empty()) {
         m_noChart = new QCPItemText(this);
@@ -149,26 +156,25 @@ void ControlChartPlot::setChart(const spc::Chart &chart, const Captions &caption
         m_noChart->position->setAxisRect(m_upper);
         m_noChart->position->setCoords(0.5, 0.5);
         m_noChart->setText(captions.noChart);
-        replot();
+        replot(rpQueuedReplot);
         return;
     }
-    const QPen limit(kLimitColor, 1.2, Qt::DashLine);
-    const QPen zone(kZoneColor, 1.0, Qt::DotLine);
+    // Whole-pixel pens: a fractional width sends every segment through the slow stroker.
+    const QPen limit(kLimitColor, 1, Qt::DashLine);
+    const QPen zone(kZoneColor, 1, Qt::DotLine);
     for (const spc::ChartLine &z : m_lines.zones)
         addLine(m_upper, z, zone)->setLineStyle(QCPGraph::lsStepCenter);
     addLine(m_upper, m_lines.xUpper, limit)->setLineStyle(QCPGraph::lsStepCenter);
     addLine(m_upper, m_lines.xLower, limit)->setLineStyle(QCPGraph::lsStepCenter);
-    addLine(m_upper, m_lines.xCentre, QPen(kCentreColor, 1.4))->setLineStyle(QCPGraph::lsStepCenter);
-    addLine(m_upper, m_lines.x, QPen(kValueColor, 1.2))
-        ->setScatterStyle(QCPScatterStyle(QCPScatterStyle::ssDisc, 4));
+    addLine(m_upper, m_lines.xCentre, QPen(kCentreColor, 2))->setLineStyle(QCPGraph::lsStepCenter);
+    m_xValues = addLine(m_upper, m_lines.x, QPen(kValueColor, 1));
     m_xMarks = addMarks(m_upper, m_lines.xMarked);
 
     addLine(m_lower, m_lines.spreadUpper, limit)->setLineStyle(QCPGraph::lsStepCenter);
     addLine(m_lower, m_lines.spreadLower, limit)->setLineStyle(QCPGraph::lsStepCenter);
-    addLine(m_lower, m_lines.spreadCentre, QPen(kCentreColor, 1.4))
+    addLine(m_lower, m_lines.spreadCentre, QPen(kCentreColor, 2))
         ->setLineStyle(QCPGraph::lsStepCenter);
-    addLine(m_lower, m_lines.spread, QPen(kValueColor, 1.2))
-        ->setScatterStyle(QCPScatterStyle(QCPScatterStyle::ssDisc, 4));
+    m_spreadValues = addLine(m_lower, m_lines.spread, QPen(kValueColor, 1));
     m_spreadMarks = addMarks(m_lower, m_lines.spreadMarked);
 
     // Half a sampling period of room at either end, so the first and last points show.
@@ -178,7 +184,22 @@ void ControlChartPlot::setChart(const spc::Chart &chart, const Captions &caption
     m_upper->axis(QCPAxis::atBottom)->setRange(first - room, last + room);
     fitValueAxis(m_upper, {&m_lines.x, &m_lines.xUpper, &m_lines.xLower});
     fitValueAxis(m_lower, {&m_lines.spread, &m_lines.spreadUpper, &m_lines.spreadLower});
-    replot();
+    dotVisiblePoints(m_upper->axis(QCPAxis::atBottom)->range());
+    replot(rpQueuedReplot);
+}
+
+void ControlChartPlot::dotVisiblePoints(const QCPRange &range)
+{
+    if (!m_xValues || !m_spreadValues)
+        return;
+    const std::vector<double> &keys = m_lines.x.keys;
+    const auto first = std::lower_bound(keys.begin(), keys.end(), range.lower);
+    const auto last = std::upper_bound(first, keys.end(), range.upper);
+    const QCPScatterStyle style = last - first <= kDottedPoints
+                                      ? QCPScatterStyle(QCPScatterStyle::ssDisc, 4)
+                                      : QCPScatterStyle();
+    m_xValues->setScatterStyle(style);
+    m_spreadValues->setScatterStyle(style);
 }
 
 std::pair<QDateTime, QDateTime> ControlChartPlot::visibleRange() const

@@ -16,8 +16,9 @@ class QCPGraph;
 // values) above, their ranges, standard deviations or moving ranges below, on one time
 // axis. Each chart draws its centre line, control limits and, on the upper one, the
 // zone lines at 1σ and 2σ; limits step where the subgroup size changes. A point that
-// breaks a rule is drawn as a red square, and hovering over it names the rules. Dragging
-// or turning the wheel moves and zooms both charts along time.
+// breaks a rule is drawn as a red square, and hovering over it names the rules; the
+// points get dots when few enough are in view to tell apart. Dragging or turning the
+// wheel moves and zooms both charts along time.
 class ControlChartPlot : public QCustomPlot
 {
     Q_OBJECT
@@ -62,10 +63,13 @@ private:
     QCPGraph *addLine(QCPAxisRect *rect, const spc::ChartLine &line, const QPen &pen);
     QCPGraph *addMarks(QCPAxisRect *rect, const std::vector<spc::MarkedPoint> &marks);
     void showMarkText(QMouseEvent *event);
+    void dotVisiblePoints(const QCPRange &range);
     void fitValueAxis(QCPAxisRect *rect, std::initializer_list<const spc::ChartLine *> lines);
 
     QCPAxisRect *m_upper = nullptr;
     QCPAxisRect *m_lower = nullptr;
+    QCPGraph *m_xValues = nullptr;
+    QCPGraph *m_spreadValues = nullptr;
     QCPGraph *m_xMarks = nullptr;
     QCPGraph *m_spreadMarks = nullptr;
     QCPItemText *m_noChart = nullptr;
