@@ -46,9 +46,9 @@ set(CORVANE_WINE_SUITES
     tst_corvaneparser tst_corvanefun26 tst_alarmcodes
     tst_dataset tst_numberpicture tst_meterlayout tst_capability tst_controlchart
     tst_monitorstream tst_monitorlink tst_monitorconfig tst_monitortransport
-    tst_conventions tst_socketport tst_spcdatasource tst_spcdatabase
+    tst_conventions tst_socketport tst_spcdatabase
     tst_databasesupport tst_samplingproperties tst_samplecollection
-    tst_configurationset tst_startup tst_filesupport
+    tst_configurationset tst_startup
     tst_decode tst_spctool
     tst_windowsplatform)
 
