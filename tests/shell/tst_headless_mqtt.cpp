@@ -1,4 +1,6 @@
+#include "HeadlessEnvironment.h"
 #include "MosquittoBroker.h"
+#include "ProgramRun.h"
 
 #include "platform/RegionalFormat.h"
 
@@ -6,7 +8,6 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
-#include <QRegularExpression>
 #include <QScopeGuard>
 #include <QTemporaryDir>
 #include <QTest>
@@ -31,35 +32,25 @@ private slots:
         QVERIFY(subscriber.waitSubscribed());
 
         QProcess sim;
-        sim.start(QStringLiteral(CORVANE_SIM_EXE),
-                  {"--tcp", "0", "--count", QString::number(kWelds), "--interval", "20", "--seed",
-                   "11", "--us"});
-        QVERIFY(sim.waitForStarted(5000));
-        QTRY_VERIFY(sim.canReadLine());
-        const QRegularExpressionMatch port =
-            QRegularExpression(QStringLiteral("tcp 127\\.0\\.0\\.1:(\\d+)")).match(sim.readLine());
-        QVERIFY(port.hasMatch());
+        const quint16 port = ProgramRun::startSimulator(
+            sim, QStringLiteral(CORVANE_SIM_EXE),
+            {"--count", QString::number(kWelds), "--interval", "20", "--seed", "11", "--us"});
+        QVERIFY(port != 0);
 
         const QString dataLog = folder.filePath(QStringLiteral("press.txt"));
-        QFile configurations(folder.filePath(QStringLiteral("corvane-monitor.cfg")));
-        QVERIFY(configurations.open(QIODevice::WriteOnly));
-        configurations.write(
+        QVERIFY(ProgramRun::writeFile(
+            folder.filePath(QStringLiteral("corvane-monitor.cfg")),
             QStringLiteral("<Configurations><Configuration><Equipment "
                            "Name=\"Line 2/Press #1\" Settings=\"IP:127.0.0.1:%1\"/>"
                            "<DataLogging Enable=\"1\" File=\"%2\"/>"
                            "</Configuration></Configurations>")
-                .arg(port.captured(1), dataLog)
-                .toUtf8());
-        configurations.close();
-        QFile preferences(folder.filePath(QStringLiteral("corvane-monitor.ini")));
-        QVERIFY(preferences.open(QIODevice::WriteOnly));
-        preferences.write("[PREFERENCES]\nMEASUREMENT_SYSTEM=1\n");
-        preferences.close();
+                .arg(QString::number(port), dataLog)
+                .toUtf8()));
+        QVERIFY(ProgramRun::writeFile(folder.filePath(QStringLiteral("corvane-monitor.ini")),
+                                      "[PREFERENCES]\nMEASUREMENT_SYSTEM=1\n"));
 
         QProcess monitor;
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.insert(QStringLiteral("CORVANE_SETTINGS_FILE"), folder.filePath("settings.ini"));
-        monitor.setProcessEnvironment(env);
+        monitor.setProcessEnvironment(headlessEnvironment(QDir(folder.path())));
         monitor.start(QStringLiteral(CORVANE_MONITOR_EXE),
                       {"--headless", "--data-dir", folder.path(), "--mqtt",
                        QStringLiteral("mqtt://127.0.0.1:%1/%2").arg(broker).arg(root)});
@@ -72,49 +63,20 @@ private slots:
 
         const QString weldTopic = root + QStringLiteral("/Line 2%2FPress %231/weld");
         QTRY_COMPARE_WITH_TIMEOUT(subscriber.payloads(weldTopic).size(), kWelds, 30000);
-        QFile log(dataLog);
-        QVERIFY(log.open(QIODevice::ReadOnly));
-        const QStringList lines =
-            QString::fromUtf8(log.readAll()).split(QStringLiteral("\r\n"), Qt::SkipEmptyParts);
+        const QStringList lines = ProgramRun::dataLogLines(dataLog);
         QCOMPARE(lines.size(), kWelds + 1);
 
         // The data log's columns after the acquisition time, by record field.
-        static const char *const kColumns[] = {"CycleCount",
-                                               "Hour",
-                                               "Minute",
-                                               "Second",
-                                               "Year",
-                                               "Month",
-                                               "Day",
-                                               "ActualWeldTime",
-                                               "TotalEnergy",
-                                               "ActualDistance",
-                                               "ActualWeldCollapse",
-                                               "ActualTotalCollapse",
-                                               "ActualStartFrequency",
-                                               "ActualEndFrequency",
-                                               "FrequencyChange",
-                                               "FrequencyMinimum",
-                                               "FrequencyMaximum",
-                                               "ActualVelocity",
-                                               "TriggerDistance",
-                                               "RejectPartAlarms",
-                                               "SuspectPartAlarms",
-                                               "NoCycleAlarms",
-                                               "OverloadAlarms",
-                                               "EquipmentFailureAlarms",
-                                               "CycleModifiedAlarms",
-                                               "PresetNumber",
-                                               "NoteAlarms",
-                                               "SetAmplitudeA",
-                                               "SetAmplitudeB",
-                                               "WeldMode",
-                                               "PowerSupplyControlFlags",
-                                               "PeakPower",
-                                               "WeldPresure",
-                                               "WeldForceEnd",
-                                               "HoldForceEnd",
-                                               "TotalCycleTime"};
+        const QStringList kColumns =
+            QStringLiteral("CycleCount Hour Minute Second Year Month Day ActualWeldTime "
+                           "TotalEnergy ActualDistance ActualWeldCollapse ActualTotalCollapse "
+                           "ActualStartFrequency ActualEndFrequency FrequencyChange "
+                           "FrequencyMinimum FrequencyMaximum ActualVelocity TriggerDistance "
+                           "RejectPartAlarms SuspectPartAlarms NoCycleAlarms OverloadAlarms "
+                           "EquipmentFailureAlarms CycleModifiedAlarms PresetNumber NoteAlarms "
+                           "SetAmplitudeA SetAmplitudeB WeldMode PowerSupplyControlFlags "
+                           "PeakPower WeldPresure WeldForceEnd HoldForceEnd TotalCycleTime")
+                .split(u' ');
         const RegionalFormat format;
         const QList<QByteArray> welds = subscriber.payloads(weldTopic);
         for (int i = 0; i < kWelds; ++i) {
@@ -127,9 +89,9 @@ private slots:
             QCOMPARE(format.dateTime(QDateTime::fromString(weld.value("acquiredTime").toString(),
                                                            Qt::ISODateWithMs)),
                      columns[0]);
-            for (int c = 0; c < int(std::size(kColumns)); ++c) {
+            for (int c = 0; c < kColumns.size(); ++c) {
                 const double logged = format.locale().toDouble(columns[c + 1]);
-                const double published = record.value(QLatin1String(kColumns[c])).toDouble();
+                const double published = record.value(kColumns[c]).toDouble();
                 QVERIFY2(qAbs(logged - published) <= 1e-13 * qMax(1.0, qAbs(logged)),
                          qPrintable(QStringLiteral("weld %1 %2: %3 vs %4")
                                         .arg(i)
