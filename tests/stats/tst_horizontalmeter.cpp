@@ -194,6 +194,20 @@ private slots:
         const QRect box = meter.markerBox(MeterMarker::Minimum);
         QCOMPARE(off.pixelColor(box.left() + 5, box.top() + 3), background);
     }
+
+    void resizeLaysTheMarkersOutAgain()
+    {
+        HorizontalMeter meter;
+        showData(meter);
+        meter.setValueCurrent(10);
+        meter.setColorCurrent(Qt::red);
+        meter.Refresh();
+        meter.resize(kWidth * 2, kHeight);
+        const QImage image = grabImage(meter);
+        // The upper limit of a bar of 880 stands at 840; the apex points at it.
+        const QPoint apex(meter.barRect().left() + 840, meter.barRect().bottom() + 1);
+        QCOMPARE(image.pixelColor(apex), QColor(Qt::red));
+    }
 };
 
 CORVANE_TEST_SUITE(TestHorizontalMeter)

@@ -320,6 +320,29 @@ private slots:
         QCOMPARE(test.sampling->DataSourceName(), chosen);
         QVERIFY(test.fixture.messages.isEmpty());
     }
+
+    void numberFieldsTakeDigitsOnly_data()
+    {
+        QTest::addColumn<QByteArray>("field");
+        QTest::newRow("interval") << QByteArray("txtInterval");
+        QTest::newRow("subgroup size") << QByteArray("txtSubgroupSize");
+    }
+
+    void numberFieldsTakeDigitsOnly()
+    {
+        QFETCH(QByteArray, field);
+        DialogCase test;
+        dlgSampling &dialog = test.open();
+        auto *edit = control<QLineEdit>(&dialog, field.constData());
+
+        retype(&dialog, field.constData(), QStringLiteral("1a2"));
+        QCOMPARE(edit->text(), QStringLiteral("12"));
+        QTest::keyClicks(edit, QStringLiteral("-.,x Z"));
+        QCOMPARE(edit->text(), QStringLiteral("12"));
+        QTest::keyClick(edit, Qt::Key_Backspace);
+        QTest::keyClicks(edit, QStringLiteral("09"));
+        QCOMPARE(edit->text(), QStringLiteral("109"));
+    }
 };
 
 CORVANE_TEST_SUITE(TestSamplingDialog)
