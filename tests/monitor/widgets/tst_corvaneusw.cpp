@@ -393,6 +393,7 @@ private slots:
         auto *selector = face.rowControl<QComboBox>("cboCharacteristic", 3);
         selector->setCurrentIndex(selector->findData(kEnergy));
         QCOMPARE(face.monitor().rowSelection(3), kEnergy);
+        QVERIFY(face.view->refreshPending());
         QCoreApplication::processEvents();
         QCOMPARE(face.meter(3)->ValueCurrent(), face.dataset(kEnergy).LastValue());
 

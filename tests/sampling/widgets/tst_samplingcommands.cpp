@@ -7,6 +7,7 @@
 
 #include <QLineEdit>
 #include <QSignalSpy>
+#include <QTcpServer>
 
 namespace {
 
@@ -112,6 +113,32 @@ private slots:
         QCOMPARE(itemStates.count(), 1);
         QCOMPARE(itemStates.last().first().toBool(), true);
         QVERIFY(test.fixture.errors.isEmpty());
+    }
+
+    void aCollectingMonitorKeepsItsControlsLocked()
+    {
+        QTcpServer powerSupply;
+        QVERIFY(powerSupply.listen(QHostAddress::LocalHost));
+        MonitorCase test;
+        QVERIFY(test.monitor->Load(
+            QStringLiteral(
+                "<Configuration><Equipment Name=\"Line 2\" Settings=\"IP:127.0.0.1:%1\"/>"
+                "</Configuration>")
+                .arg(powerSupply.serverPort())));
+        test.monitor->StartStop();
+        QVERIFY(test.monitor->DriverState() >= 2);
+        QVERIFY(!test.monitor->displayItemsEnabled());
+        QVERIFY(powerSupply.waitForNewConnection(5000));
+
+        QSignalSpy itemStates(test.monitor.get(), &EquipmentMonitor::displayItemsEnabledChanged);
+        ModalAnswer dialog(QStringLiteral("dlgSampling"),
+                           [](QDialog *sampling) { click(sampling, "OKButton"); });
+        QVERIFY(test.configure());
+        QVERIFY(dialog.seen());
+        QCOMPARE(itemStates.count(), 1);
+        QCOMPARE(itemStates.last().first().toBool(), false);
+        test.monitor->StartStop();
+        QCOMPARE(test.monitor->DriverState(), 1);
     }
 };
 

@@ -144,6 +144,7 @@ private slots:
         QTest::newRow("trailing text") << "12 s" << 12.0;
         QTest::newRow("blanks, fraction") << "  7.5" << 7.5;
         QTest::newRow("sign") << "-3" << -3.0;
+        QTest::newRow("exponent") << "1e3" << 1000.0;
         QTest::newRow("exponent without digits") << "5e" << 5.0;
         QTest::newRow("other script's digits") << QStringLiteral("\u0663") << 0.0;
     }
