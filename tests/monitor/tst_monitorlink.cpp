@@ -345,6 +345,19 @@ private slots:
         QVERIFY(a.monitor->displayItemsEnabled());
         QVERIFY(!a.monitor->timerActive());
     }
+
+    void runTimeText()
+    {
+        QCOMPARE(EquipmentMonitor::GetRunTimeText(3661), QStringLiteral("01:01:01"));
+        MonitorFixture f;
+        f.clock.set(at(8, 0));
+        start(f);
+        f.clock.set(at(8, 0).addSecs(25 * 3600));
+        f.socket->deliver(SampleWelds::stream(1));
+        f.clock.advanceSeconds(600); // the run time stands still between welds
+        QCOMPARE(EquipmentMonitor::GetRunTimeText(f.monitor->elapsedSeconds()),
+                 QStringLiteral("25:00:00"));
+    }
 };
 
 CORVANE_TEST_SUITE(tst_MonitorLink)
