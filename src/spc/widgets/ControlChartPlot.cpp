@@ -177,11 +177,16 @@ void ControlChartPlot::setChart(const spc::Chart &chart, const Captions &caption
     m_spreadValues = addLine(m_lower, m_lines.spread, QPen(kValueColor, 1));
     m_spreadMarks = addMarks(m_lower, m_lines.spreadMarked);
 
-    // Half a sampling period of room at either end, so the first and last points show.
+    // Half a sampling period of room at either end, so the first and last points show. A
+    // stretch the engineer dragged or zoomed to stays in view when a new subgroup comes.
+    QCPAxis *time = m_upper->axis(QCPAxis::atBottom);
+    const bool moved = m_wholeRange && time->range() != *m_wholeRange;
     const double first = m_lines.x.keys.front();
     const double last = m_lines.x.keys.back();
     const double room = last > first ? (last - first) / double(2 * m_lines.x.keys.size()) : 60.0;
-    m_upper->axis(QCPAxis::atBottom)->setRange(first - room, last + room);
+    m_wholeRange = QCPRange(first - room, last + room);
+    if (!moved)
+        time->setRange(*m_wholeRange);
     fitValueAxis(m_upper, {&m_lines.x, &m_lines.xUpper, &m_lines.xLower});
     fitValueAxis(m_lower, {&m_lines.spread, &m_lines.spreadUpper, &m_lines.spreadLower});
     dotVisiblePoints(m_upper->axis(QCPAxis::atBottom)->range());

@@ -6,6 +6,7 @@
 
 #include <QDateTime>
 
+#include <optional>
 #include <utility>
 
 class QCPAxisRect;
@@ -41,7 +42,9 @@ public:
     // The titles and texts of a chart type in the user's language.
     static Captions captionsFor(spc::ChartType type, const qlxLanguage &language);
 
+    // Draws a chart. A time range the user moved to stays, unless forgotten first.
     void setChart(const spc::Chart &chart, const Captions &captions);
+    void forgetTimeRange() { m_wholeRange.reset(); }
     const spc::ChartLines &lines() const { return m_lines; }
 
     // The stretch of time the charts show now.
@@ -74,5 +77,7 @@ private:
     QCPGraph *m_spreadMarks = nullptr;
     QCPItemText *m_noChart = nullptr;
     spc::ChartLines m_lines;
+    // The time range that shows every subgroup of the last chart.
+    std::optional<QCPRange> m_wholeRange;
     Captions m_captions;
 };

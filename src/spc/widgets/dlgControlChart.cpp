@@ -189,6 +189,7 @@ void dlgControlChart::setRange(const QDateTime &since, const QDateTime &until)
     m_since = since;
     m_until = until;
     m_chkLatest->setChecked(!until.isValid());
+    m_plot->forgetTimeRange();
     refresh();
 }
 

@@ -208,8 +208,12 @@ private slots:
         QVERIFY(next.store(database) > 0);
         m_windows->subgroupStored(QStringLiteral("Cover"), QStringLiteral("Seal weld"));
         QCOMPARE(window->snapshot().subgroups, 5);
+        const QCPRange inView = time->range();
         m_windows->subgroupStored(QStringLiteral("Housing"), QStringLiteral("Seal weld"));
         QCOMPARE(window->snapshot().subgroups, 6);
+        QCOMPARE(time->range(), inView);
+        window->setRange({}, {});
+        QVERIFY(time->range().upper > spc::ChartLines::keyOf(kFirst.addSecs(1500)));
         QVERIFY(m_errors.reports.isEmpty());
     }
 
