@@ -506,6 +506,23 @@ private slots:
         }
     }
 
+    // Subgroups waiting for an unreachable SPC database show in the status block with
+    // their count, and the line goes away once they are forwarded.
+    void spcBacklogShowsWhileSubgroupsWait()
+    {
+        Face face;
+        face.view->show();
+        auto *backlog = face.control<QLabel>(QStringLiteral("lblSpcBacklog"));
+        QVERIFY(backlog->isHidden());
+        face.sampling->queuedSubgroups = 3;
+        emit face.sampling->backlogChanged(3);
+        QTRY_VERIFY(backlog->isVisible());
+        QCOMPARE(backlog->text(), QStringLiteral("3"));
+        face.sampling->queuedSubgroups = 0;
+        emit face.sampling->backlogChanged(0);
+        QTRY_VERIFY(backlog->isHidden());
+    }
+
     // The engineer drags the alarms list taller; the height stays with the configuration
     // and comes back with it.
     void alarmsListHeightIsKept()
