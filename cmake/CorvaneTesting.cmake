@@ -1,10 +1,14 @@
 # corvane_add_test(NAME <suite> SOURCES <files> LIBRARIES <libs> [LABELS <labels>]
-#                  [TIMEOUT <seconds>])
+#                  [TIMEOUT <seconds>] [SHARED_MAIN])
 # Builds one Qt Test suite and registers it with CTest. Every suite runs on the
 # offscreen platform with a private runtime folder; slow suites carry the label "slow"
-# so that `ctest -LE slow` skips them.
+# so that `ctest -LE slow` skips them. With SHARED_MAIN the sources register several
+# test classes (CORVANE_TEST_SUITE) that one executable runs in turn.
 function(corvane_add_test)
-    cmake_parse_arguments(ARG "" "NAME;TIMEOUT" "SOURCES;LIBRARIES;LABELS" ${ARGN})
+    cmake_parse_arguments(ARG "SHARED_MAIN" "NAME;TIMEOUT" "SOURCES;LIBRARIES;LABELS" ${ARGN})
+    if(ARG_SHARED_MAIN)
+        list(APPEND ARG_SOURCES ${PROJECT_SOURCE_DIR}/tests/support/SuiteMain.cpp)
+    endif()
     if(NOT ARG_TIMEOUT)
         set(ARG_TIMEOUT 120)
     endif()
@@ -43,11 +47,11 @@ set(CORVANE_WINE_PREFIX ${CMAKE_BINARY_DIR}/wine)
 # The suites that run under wine: no pseudo-terminal, no POSIX process, no widgets (the
 # widget suites draw the same on every platform and cost the most to link).
 set(CORVANE_WINE_SUITES
-    tst_corvaneparser tst_corvanefun26 tst_alarmcodes
-    tst_dataset tst_numberpicture tst_meterlayout tst_capability tst_controlchart
-    tst_monitorstream tst_monitorlink tst_monitorconfig tst_monitortransport
+    tst_protocol
+    tst_stats tst_capability tst_controlchart
+    tst_monitor
     tst_conventions tst_socketport tst_spcdatasource tst_spcdatabase
-    tst_databasesupport tst_samplingproperties tst_samplecollection
+    tst_sampling
     tst_configurationset tst_startup tst_filesupport
     tst_decode tst_spctool
     tst_windowsplatform)

@@ -14,7 +14,8 @@ The build directory must be configured and built once beforehand. Every file is
 restored after its mutant, also when the run is interrupted. With --compare DIR, a second
 tree of suites that the same build holds (its suites' names start with DIR's name and an
 underscore, e.g. tests_after/ with after_tst_...) runs against every mutant as well, so
-that two versions of the suites are scored on the very same faults.
+that two versions of the suites are scored on the very same faults. --layers shell (or a
+comma-separated list) draws the mutants from those layers only.
 """
 
 import argparse
@@ -126,9 +127,9 @@ def candidates(path):
     return found
 
 
-def all_candidates():
+def all_candidates(layers):
     result = []
-    for layer in LAYERS:
+    for layer in layers:
         for path in sorted((ROOT / "src" / layer).rglob("*.cpp")):
             if SKIP_DIRS & set(path.relative_to(ROOT / "src" / layer).parts[:-1]):
                 continue
@@ -204,13 +205,19 @@ def main():
     parser.add_argument("--results", help="write every mutant with its outcome to this JSON file")
     parser.add_argument("--list-only", action="store_true", help="draw and save, do not run")
     parser.add_argument("--compare", help="a second tree of suites in the build to score too")
+    parser.add_argument("--layers", default=",".join(LAYERS),
+                        help="comma-separated layers to draw mutants from (default: all)")
     args = parser.parse_args()
     build_dir = (ROOT / args.build_dir).resolve()
 
     if args.load:
         mutants = json.loads(Path(args.load).read_text())
     else:
-        pool = all_candidates()
+        layers = [layer.strip() for layer in args.layers.split(",") if layer.strip()]
+        unknown = sorted(set(layers) - set(LAYERS))
+        if unknown:
+            sys.exit(f"unknown layers: {' '.join(unknown)} (known: {' '.join(LAYERS)})")
+        pool = all_candidates(layers)
         mutants = random.Random(args.seed).sample(pool, min(args.count, len(pool)))
         mutants.sort(key=lambda m: (m["file"], m["line"], m["kind"]))
         print(f"{len(pool)} candidate mutants, {len(mutants)} drawn with seed {args.seed}")

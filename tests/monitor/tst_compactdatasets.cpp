@@ -3,6 +3,7 @@
 // bin must be the one the plain values give.
 
 #include "MonitorFixture.h"
+#include "TestSuites.h"
 #include "WeldGenerator.h"
 
 #include "protocol/CorvaneUSWSupport.h"
@@ -48,8 +49,6 @@ private slots:
         const MeasurementSystem metric = MeasurementSystem::Metric;
         const MeasurementSystem us = MeasurementSystem::US;
         QTest::newRow("metric, all kept") << metric << Dataset::kDefaultValueBound << false;
-        QTest::newRow("US, all kept") << us << Dataset::kDefaultValueBound << false;
-        QTest::newRow("metric, oldest folded") << metric << qint64(1500) << false;
         QTest::newRow("US, oldest folded") << us << qint64(1500) << false;
         QTest::newRow("US, all sealed blocks folded") << us << qint64(0) << false;
         QTest::newRow("metric, a value off the step") << metric << qint64(1500) << true;
@@ -144,5 +143,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(TestCompactDatasets)
+CORVANE_TEST_SUITE(TestCompactDatasets)
 #include "tst_compactdatasets.moc"

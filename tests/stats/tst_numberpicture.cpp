@@ -1,3 +1,5 @@
+#include "TestSuites.h"
+
 #include "stats/NumberPicture.h"
 
 #include <QTest>
@@ -20,32 +22,21 @@ private slots:
 
         const QString c = QStringLiteral("C");
         const QString de = QStringLiteral("de_DE");
-        QTest::newRow("default picture") << "0.0000" << 5.0 << c << "5.0000";
-        QTest::newRow("histogram picture") << "0.0" << 10.0 << c << "10.0";
         QTest::newRow("negative") << "0.0000" << -12.5 << c << "-12.5000";
         QTest::newRow("half rounds away from zero") << "0.0" << 2.25 << c << "2.3";
-        QTest::newRow("negative half away from zero") << "0.0" << -2.25 << c << "-2.3";
         QTest::newRow("decimal text rounds as written") << "0.00" << 2.675 << c << "2.68";
         QTest::newRow("carry into a new digit") << "0.0" << 99.96 << c << "100.0";
-        QTest::newRow("no decimals") << "0" << 0.5 << c << "1";
         QTest::newRow("rounded to zero loses its sign") << "0.0000" << -0.00004 << c << "0.0000";
         QTest::newRow("just not zero keeps its sign") << "0.0000" << -0.00005 << c << "-0.0001";
-        QTest::newRow("negative zero") << "0.0" << -0.0 << c << "0.0";
-        QTest::newRow("tiny") << "0.0000" << 1e-300 << c << "0.0000";
-        QTest::newRow("huge") << "0.0" << 1e20 << c << "100000000000000000000.0";
         QTest::newRow("no grouping unless asked") << "0.00" << 1234567.891 << c << "1234567.89";
         QTest::newRow("grouping") << "#,##0.00" << 1234567.891 << c << "1,234,567.89";
         QTest::newRow("optional decimals used") << "0.0#" << 1.25 << c << "1.25";
-        QTest::newRow("optional decimals dropped") << "0.0#" << 1.5 << c << "1.5";
         QTest::newRow("optional integer digit") << "#.00" << 0.5 << c << ".50";
-        QTest::newRow("mandatory integer digits") << "000" << 7.0 << c << "007";
         QTest::newRow("literal text kept") << "0.0 mm" << 5.0 << c << "5.0 mm";
         QTest::newRow("regional separator") << "0.0" << 5.25 << de << "5,3";
         QTest::newRow("regional grouping") << "#,##0.0" << 1234.5 << de << "1.234,5";
         QTest::newRow("general form") << "" << 0.1 << c << "0.1";
         QTest::newRow("general form, 15 digits") << "" << 1.0 / 3 << c << "0.333333333333333";
-        QTest::newRow("general form, integer") << "" << 250.0 << c << "250";
-        QTest::newRow("general form, regional") << "" << 2.5 << de << "2,5";
         QTest::newRow("general form without grouping") << "" << 1234567.0 << de << "1234567";
         QTest::newRow("no placeholder is the general form") << "abc" << 1.5 << c << "1.5";
     }
@@ -61,25 +52,16 @@ private slots:
         QCOMPARE(formatNumber(value, picture, locale), expected);
     }
 
-    // Each picture kept by a meter formats many values; the parsed picture must not carry
-    // anything from one value to the next.
+    // A picture kept by a meter formats many values without carrying anything over; a
+    // value that is no number has nothing to round and reads as the general text.
     void onePictureFormatsManyValues()
-    {
-        const NumberPicture picture(QStringLiteral("0.00"));
-        const QLocale c(QLocale::C);
-        QCOMPARE(picture.format(99.999, c), QStringLiteral("100.00"));
-        QCOMPARE(picture.format(0.001, c), QStringLiteral("0.00"));
-        QCOMPARE(picture.format(-3.14159, c), QStringLiteral("-3.14"));
-        QCOMPARE(picture.decimalsShown(), 2);
-        QVERIFY(!picture.isGeneral());
-        QVERIFY(NumberPicture().isGeneral());
-    }
-
-    void valuesThatAreNotNumbers()
     {
         const NumberPicture picture(QStringLiteral("0.0000"));
         const QLocale c(QLocale::C);
-        // Nothing to round: the general text says what the value is instead of digits.
+        QCOMPARE(picture.format(99.99999, c), QStringLiteral("100.0000"));
+        QCOMPARE(picture.format(-3.14159, c), QStringLiteral("-3.1416"));
+        QCOMPARE(picture.decimalsShown(), 4);
+        QVERIFY(!picture.isGeneral() && NumberPicture().isGeneral());
         QCOMPARE(picture.format(std::numeric_limits<double>::quiet_NaN(), c),
                  c.toString(std::numeric_limits<double>::quiet_NaN()));
         QCOMPARE(picture.format(std::numeric_limits<double>::infinity(), c),
@@ -87,5 +69,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(TestNumberPicture)
+CORVANE_TEST_SUITE(TestNumberPicture)
 #include "tst_numberpicture.moc"

@@ -3,6 +3,7 @@
 #include "ManualClock.h"
 #include "RecordingErrorReport.h"
 #include "RecordingMessageBoxes.h"
+#include "TestSuites.h"
 
 #include "platform/ProgramFiles.h"
 #include "platform/qlxLanguage.h"
@@ -11,7 +12,6 @@
 #include "sampling/SamplingProperties.h"
 #include "sampling/widgets/SamplingDialogServices.h"
 
-#include <QAbstractButton>
 #include <QApplication>
 #include <QDialog>
 #include <QDir>
@@ -52,15 +52,6 @@ inline void retype(QWidget *window, const char *field, const QString &text)
     QTest::keyClick(widget, Qt::Key_A, Qt::ControlModifier);
     QTest::keyClick(widget, Qt::Key_Delete);
     QTest::keyClicks(widget, text);
-}
-
-// Saves a picture of a window into the folder CORVANE_RENDER_DIR names, if any, for a
-// person to look at.
-inline void saveRendering(QWidget *window)
-{
-    const QString folder = qEnvironmentVariable("CORVANE_RENDER_DIR");
-    if (!folder.isEmpty())
-        window->grab().save(QDir(folder).filePath(window->objectName() + QStringLiteral(".png")));
 }
 
 // Answers the next modal dialog with the given object name once it is on the screen;

@@ -1,7 +1,6 @@
 #include "SamplingWidgetFixture.h"
 #include "ScratchDatabase.h"
 
-#include "platform/spc/DataSource.h"
 #include "platform/spc/PasswordFile.h"
 #include "sampling/widgets/dlgDataSource.h"
 
@@ -9,8 +8,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QRadioButton>
-
-using qlaDatabase6::DataSource;
 
 namespace {
 
@@ -49,7 +46,6 @@ private slots:
             QTest::newRow(name) << fields << QString::fromUtf8(dsn);
         };
         row("file", {"/srv/Corvane/spc.db"}, "/srv/Corvane/spc.db");
-        row("drive letter", {"C:/Corvane/spc.db"}, "C:/Corvane/spc.db");
         row("blanks around a file", {"  /srv/spc.db "}, "/srv/spc.db");
         // Paths the plain form would take for something else are marked as files.
         row("file like an address", {"odd://spc.db"}, "sqlite:odd://spc.db");
@@ -58,8 +54,6 @@ private slots:
         row("port and user", {"", "db.plant.local", "5433", "spc", "quality"},
             "postgresql://quality@db.plant.local:5433/spc");
         row("IPv6", {"", "::1", "", "spc", ""}, "postgresql://[::1]/spc");
-        row("blank in the database", {"", "db", "", "spc line 2", ""},
-            "postgresql://db/spc%20line%202");
         row("at sign in the user", {"", "db", "", "spc", "jo@plant"},
             "postgresql://jo%40plant@db/spc");
     }
@@ -76,19 +70,6 @@ private slots:
         click(&dialog, "OKButton");
         QCOMPARE(dialog.result(), int(QDialog::Accepted));
         QCOMPARE(dialog.dataSourceName(), dsn);
-
-        // It reads back as the same file, or the same server, database and user.
-        DataSource source;
-        QString problem;
-        QVERIFY2(DataSource::parse(dsn, source, problem), qPrintable(problem));
-        if (!fields[0].isEmpty()) {
-            QCOMPARE(source.filePath(), fields[0].trimmed());
-            return;
-        }
-        QCOMPARE(source.host(), fields[1]);
-        QCOMPARE(int(source.port()), fields[2].isEmpty() ? 5432 : fields[2].toInt());
-        QCOMPARE(source.database(), fields[3]);
-        QCOMPARE(source.userGiven() ? source.user() : QString(), fields[4]);
     }
 
     void incompleteEntriesAreRefused_data()
@@ -126,9 +107,6 @@ private slots:
         QTest::addColumn<QString>("dsn");
         QTest::addColumn<QStringList>("fields");
         QTest::newRow("file") << "/srv/spc.db" << QStringList{"/srv/spc.db", "", "", "", ""};
-        QTest::newRow("marked file")
-            << "sqlite:C:/spc.db" << QStringList{"C:/spc.db", "", "", "", ""};
-        QTest::newRow("server") << "postgresql://db/spc" << QStringList{"", "db", "", "spc", ""};
         QTest::newRow("server, all given") << "postgresql://quality@db:5433/spc"
                                            << QStringList{"", "db", "5433", "spc", "quality"};
     }
@@ -141,7 +119,6 @@ private slots:
         dlgDataSource dialog(fixture.language, fixture.services());
         dialog.setDataSourceName(dsn);
         dialog.show();
-        saveRendering(&dialog);
 
         const bool server = fields[0].isEmpty();
         QCOMPARE(control<QRadioButton>(&dialog, "optPostgreSQL")->isChecked(), server);
@@ -194,16 +171,6 @@ private slots:
         retype(&dialog, "txtFile", folder.filePath(QStringLiteral("nowhere/spc.db")));
         click(&dialog, "bnTestConnection");
         QVERIFY(testResult(&dialog).contains(QStringLiteral("does not exist.")));
-
-        // A file that is no database at all.
-        QFile notes(folder.filePath(QStringLiteral("notes.txt")));
-        QVERIFY(notes.open(QIODevice::WriteOnly));
-        notes.write(QByteArray(4096, 'x'));
-        notes.close();
-        retype(&dialog, "txtFile", notes.fileName());
-        click(&dialog, "bnTestConnection");
-        QVERIFY2(testResult(&dialog).startsWith(QStringLiteral("Unable To Connect: ")),
-                 qPrintable(testResult(&dialog)));
         QVERIFY(fixture.errors.isEmpty());
     }
 
@@ -228,5 +195,5 @@ private slots:
     }
 };
 
-QTEST_MAIN(TestDataSourceDialog)
+CORVANE_TEST_SUITE(TestDataSourceDialog)
 #include "tst_datasourcedialog.moc"
