@@ -50,9 +50,9 @@ set(CORVANE_WINE_SUITES
     tst_protocol
     tst_stats tst_capability tst_controlchart
     tst_monitor
-    tst_conventions tst_socketport tst_spcdatasource tst_spcdatabase
+    tst_conventions tst_socketport tst_spcdatabase
     tst_sampling
-    tst_configurationset tst_startup tst_filesupport
+    tst_configurationset tst_startup
     tst_decode tst_spctool
     tst_windowsplatform)
 

@@ -1,5 +1,6 @@
 #include "DialogFixture.h"
 #include "MonitorFixture.h"
+#include "WhenShown.h"
 
 #include "dialogs/MonitorCommands.h"
 #include "dialogs/dlgDataLogging.h"
@@ -8,36 +9,6 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLineEdit>
-#include <QTimer>
-
-#include <functional>
-
-namespace {
-
-// Answers the modal dialog of type Dialog as soon as it is on the screen: the command
-// under test is blocked in the dialog's own event loop until the answer closes it.
-template <typename Dialog> void whenShown(std::function<void(Dialog *)> answer)
-{
-    auto *poll = new QTimer;
-    poll->setInterval(10);
-    QObject::connect(poll, &QTimer::timeout, [poll, answer] {
-        for (QWidget *window : QApplication::topLevelWidgets()) {
-            auto *dialog = qobject_cast<Dialog *>(window);
-            if (!dialog || !dialog->isVisible() || !dialog->isModal())
-                continue;
-            poll->stop();
-            poll->deleteLater();
-            answer(dialog);
-            // Whatever the answer checked, the command must come back.
-            if (dialog->isVisible())
-                dialog->reject();
-            return;
-        }
-    });
-    poll->start();
-}
-
-} // namespace
 
 // The monitor's Configure commands: each opens its dialog modally with the monitor's
 // values and copies the answer back only when the user confirms.

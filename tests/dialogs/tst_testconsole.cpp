@@ -344,10 +344,8 @@ private slots:
     {
         QTest::addColumn<QString>("transport");
         QTest::addColumn<bool>("raw");
-        QTest::newRow("tcp, decoded") << QStringLiteral("tcp") << false;
         QTest::newRow("pty, decoded") << QStringLiteral("pty") << false;
         QTest::newRow("tcp, hex") << QStringLiteral("tcp") << true;
-        QTest::newRow("pty, hex") << QStringLiteral("pty") << true;
     }
 
     void simulatedSupply()

@@ -1,3 +1,8 @@
+#include "RecordingErrorReport.h"
+#include "WhenShown.h"
+
+#include "platform/qlxLanguage.h"
+#include "platform/widgets/ErrorWindowReport.h"
 #include "platform/widgets/WidgetMessageBoxes.h"
 
 #include <QApplication>
@@ -5,37 +10,10 @@
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTest>
-#include <QTimer>
+#include <QTreeWidget>
 
-#include <functional>
-
-namespace {
-
-// Answers the next message box once it is on the screen, after handing it to inspect.
-void whenBoxShown(std::function<void(QMessageBox *)> answer)
-{
-    auto *poll = new QTimer;
-    poll->setInterval(10);
-    QObject::connect(poll, &QTimer::timeout, [poll, answer] {
-        for (QWidget *window : QApplication::topLevelWidgets()) {
-            auto *box = qobject_cast<QMessageBox *>(window);
-            if (!box || !box->isVisible())
-                continue;
-            poll->stop();
-            poll->deleteLater();
-            answer(box);
-            if (box->isVisible())
-                box->reject();
-            return;
-        }
-    });
-    poll->start();
-}
-
-} // namespace
-
-// The desktop's message boxes: they open over the modal dialog that asked, with the
-// right icon, and a question answers no unless the user says yes.
+// The desktop's message boxes, which open over the modal dialog that asked, with the
+// right icon, where a question answers no unless the user says yes; and its error report.
 class TestWidgetMessageBoxes : public QObject
 {
     Q_OBJECT
@@ -55,7 +33,7 @@ private slots:
         // A short text under a long title: the box is wide enough for the whole title.
         const QString title = QStringLiteral("Kommunikationseinstellungen - Schweißlinie 4");
         bool titleFits = false;
-        whenBoxShown([&](QMessageBox *box) {
+        whenShown<QMessageBox>([&](QMessageBox *box) {
             owner = box->parentWidget();
             icon = box->icon();
             text = box->text();
@@ -73,12 +51,41 @@ private slots:
     void questionIsYesOnlyWhenAnsweredYes()
     {
         WidgetMessageBoxes messages;
-        whenBoxShown([](QMessageBox *box) { box->button(QMessageBox::Yes)->click(); });
+        whenShown<QMessageBox>([](QMessageBox *box) { box->button(QMessageBox::Yes)->click(); });
         QVERIFY(messages.question(QStringLiteral("SPC"), QStringLiteral("Add the part?")));
 
         // Enter takes the default button, which is No.
-        whenBoxShown([](QMessageBox *box) { QTest::keyClick(box, Qt::Key_Return); });
+        whenShown<QMessageBox>([](QMessageBox *box) { QTest::keyClick(box, Qt::Key_Return); });
         QVERIFY(!messages.question(QStringLiteral("SPC"), QStringLiteral("Add the part?")));
+    }
+
+    // A burst of failures from a link must not stack modal boxes: the error report lists
+    // each distinct failure once, counts repeats, and logs every one.
+    void burstCoalescesWithoutModalBoxes()
+    {
+        RecordingErrorReport log;
+        const qlxLanguage language;
+        ErrorWindowReport report(log, QStringLiteral("Corvane Ostrel"), language);
+        QVERIFY(!report.window());
+
+        for (int i = 0; i < 500; ++i)
+            report.Show(QStringLiteral("CorvaneUsw.ProcessDataStream"), -2147221504,
+                        QStringLiteral("Unable to resolve End of Transmission"),
+                        QStringLiteral("CorvaneParser.ProcessBlock"));
+        report.Show(QStringLiteral("CorvaneUsw.Timer1_Timer"), 6, QStringLiteral("Overflow"),
+                    QString());
+
+        QCOMPARE(log.count(), 501);
+        QVERIFY(report.window()->isVisible());
+        QVERIFY(!report.window()->isModal());
+        QCOMPARE(QApplication::activeModalWidget(), nullptr);
+        QCOMPARE(report.lineCount(), 2);
+
+        auto *list = report.window()->findChild<QTreeWidget *>(QStringLiteral("lstErrors"));
+        QVERIFY(list);
+        // The newest distinct failure stands on top; the repeated one counts its repeats.
+        QCOMPARE(list->topLevelItem(0)->text(2), QStringLiteral("CorvaneUsw.Timer1_Timer"));
+        QCOMPARE(list->topLevelItem(1)->text(1), QStringLiteral("500"));
     }
 };
 

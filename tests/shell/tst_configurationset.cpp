@@ -1,3 +1,4 @@
+#include "FakeMonitor.h"
 #include "ManualClock.h"
 #include "RecordingErrorReport.h"
 
@@ -17,65 +18,6 @@
 #include <QTest>
 
 namespace {
-
-// A monitor that keeps the Configuration element it was given and refuses one that
-// carries Refuse="1", so that the slot rules can be seen without a welder link.
-class FakeMonitor : public ConfigurationMonitor
-{
-public:
-    explicit FakeMonitor(QString key)
-        : m_key(std::move(key))
-    {}
-
-    void Initialize(const qlxLanguage &, int slotIndex) override { initializedAs = slotIndex; }
-    bool Load(const QString &xml) override
-    {
-        QDomDocument document;
-        if (!xml.isEmpty()) {
-            document.setContent(xml);
-            if (document.documentElement().attribute(QStringLiteral("Refuse")) == u'1')
-                return false;
-        }
-        m_document = document;
-        m_state = 1;
-        return true;
-    }
-    QDomElement GetXMLNode() const override
-    {
-        if (m_document.isNull()) {
-            QDomDocument fresh;
-            fresh.appendChild(fresh.createElement(QStringLiteral("Configuration")));
-            return fresh.documentElement();
-        }
-        return m_document.documentElement();
-    }
-    bool ShutDown() override
-    {
-        ++shutDowns;
-        m_state = 0;
-        return true;
-    }
-    int DriverState() const override { return m_state; }
-    QString identifier() const override { return m_key; }
-    QString configurationName() const override
-    {
-        return m_document.documentElement()
-            .firstChildElement(QStringLiteral("Equipment"))
-            .attribute(QStringLiteral("Name"));
-    }
-    bool SPCSamplingEnabled() const override { return false; }
-    void StartStop() override {}
-    void StartDataCollection() override { m_state = 2; }
-    void StopDataCollection() override { m_state = 1; }
-
-    int initializedAs = -1;
-    int shutDowns = 0;
-
-private:
-    QString m_key;
-    QDomDocument m_document;
-    int m_state = 0;
-};
 
 QString configuration(const QString &name, const QString &extra = {})
 {
@@ -163,6 +105,20 @@ private slots:
         m_clock.advanceSeconds(60);
         save(*set);
         QCOMPARE(folderEntries().size(), 2);
+
+        // Every save leaves its copy and none is deleted; saves within one second share
+        // one copy, holding the last, and no temporary file remains.
+        m_clock.set(QDateTime(QDate(2027, 1, 2), QTime(3, 4, 5)));
+        QVERIFY(
+            set->WriteConfigurationFile(QStringLiteral("<Configurations><A/></Configurations>")));
+        m_clock.advanceMilliseconds(900);
+        QVERIFY(
+            set->WriteConfigurationFile(QStringLiteral("<Configurations><B/></Configurations>")));
+        QCOMPARE(folderEntries(),
+                 (QStringList{"corvane-monitor.cfg", "corvane-monitor.cfg_261114220509",
+                              "corvane-monitor.cfg_270102030405"}));
+        QCOMPARE(readBytes(path()), QByteArray("<Configurations><B/></Configurations>"));
+        QCOMPARE(readBytes(datedCopy("270102030405")), readBytes(path()));
     }
 
     void configurationsInFileOrder()
@@ -290,31 +246,6 @@ private slots:
         QVERIFY(set->WriteConfigurationFile(changedPort));
         QCOMPARE(readBytes(path()), changedPort.toUtf8());
         QCOMPARE(folderEntries().size(), 2);
-    }
-
-    void datedCopies()
-    {
-        auto set = makeSet();
-        QVERIFY(
-            set->WriteConfigurationFile(QStringLiteral("<Configurations><A/></Configurations>")));
-        m_clock.advanceMilliseconds(900);
-        QVERIFY(
-            set->WriteConfigurationFile(QStringLiteral("<Configurations><B/></Configurations>")));
-        // Both saves fell within 22:05:09: one copy, holding the second save.
-        QCOMPARE(folderEntries(),
-                 (QStringList{"corvane-monitor.cfg", "corvane-monitor.cfg_261114220509"}));
-        QCOMPARE(readBytes(datedCopy("261114220509")),
-                 QByteArray("<Configurations><B/></Configurations>"));
-
-        m_clock.set(QDateTime(QDate(2027, 1, 2), QTime(3, 4, 5)));
-        QVERIFY(
-            set->WriteConfigurationFile(QStringLiteral("<Configurations><C/></Configurations>")));
-        // Every save leaves its copy, none is deleted, and no temporary file remains.
-        QCOMPARE(folderEntries(),
-                 (QStringList{"corvane-monitor.cfg", "corvane-monitor.cfg_261114220509",
-                              "corvane-monitor.cfg_270102030405"}));
-        QCOMPARE(readBytes(path()), QByteArray("<Configurations><C/></Configurations>"));
-        QCOMPARE(readBytes(datedCopy("270102030405")), readBytes(path()));
     }
 
     void fileEncoding_data()

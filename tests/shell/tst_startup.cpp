@@ -1,11 +1,17 @@
+#include "ManualClock.h"
+
+#include "platform/EventLog.h"
 #include "platform/ProgramError.h"
 #include "platform/ProgramFiles.h"
+#include "platform/XMLSupport.h"
 #include "shell/HeadlessOptions.h"
 #include "shell/ShellFiles.h"
 #include "shell/ShellSettings.h"
 #include "shell/TerminationSignals.h"
+#include "shell/XmlText.h"
 
 #include <QDir>
+#include <QDomDocument>
 #include <QFile>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -13,9 +19,10 @@
 
 #include <csignal>
 
-// What the program works out before it loads any configuration: the settings store,
-// the files in the data folder, the measurement system, the command line, and the
-// signals that end a headless run.
+// What the program works out before it loads any configuration (the settings store, the
+// files in the data folder, the measurement system, the command line, the signals that
+// end a headless run) and the files it writes: the event log and the XML text of the
+// configurations file.
 class TestStartup : public QObject
 {
     Q_OBJECT
@@ -33,6 +40,12 @@ private:
         QFile file(path);
         QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
         file.write(content);
+    }
+
+    static QByteArray readAll(const QString &path)
+    {
+        QFile file(path);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     }
 
     static QString describe(const HeadlessOptions &options)
@@ -56,6 +69,95 @@ private slots:
     }
 
     void cleanupTestCase() { qunsetenv(ShellSettings::kSettingsFileEnvironment); }
+
+    void eventLogAppendsLinesInCallOrder()
+    {
+        ManualClock clock;
+        const QString path = m_folder->filePath(QStringLiteral("corvane-monitor.log"));
+        QVERIFY(!QFile::exists(path));
+        EventLog log(path, clock);
+        log.WriteEventLog(QStringLiteral("Main"), QStringLiteral("WinSockError"), 10061,
+                          QStringLiteral("Connection refused"), QStringLiteral("SCODE: 10061"));
+        clock.advanceSeconds(61);
+        log.WriteEventLog(QStringLiteral("Main"), QStringLiteral("Data Log Write"), -2147221504,
+                          QStringLiteral("Disk\tfull"), QStringLiteral("/data/press.txt"));
+
+        const QList<QByteArray> lines = readAll(path).split('\n');
+        QCOMPARE(lines.size(), 3);
+        QVERIFY(lines[2].isEmpty());
+        // Each line starts with the time of its event: a minute apart, the same day.
+        const QByteArray firstTime = lines[0].left(lines[0].indexOf('\t'));
+        QVERIFY2(firstTime.contains("2026") && firstTime.contains("14"), firstTime.constData());
+        QCOMPARE(lines[0].sliced(firstTime.size()),
+                 "\tMain\tWinSockError\t10061\tConnection refused\tSCODE: 10061\r");
+        // A TAB inside the description goes in as it is: the line has seven fields.
+        const QList<QByteArray> fields = lines[1].split('\t');
+        QCOMPARE(fields.size(), 7);
+        QVERIFY(fields[0] != firstTime && fields[0].contains("2026"));
+        QCOMPARE(fields[2], QByteArray("Data Log Write"));
+        QCOMPARE(fields[3], QByteArray("-2147221504"));
+        QCOMPARE(fields[4] + '\t' + fields[5], QByteArray("Disk\tfull"));
+        QCOMPARE(fields[6], QByteArray("/data/press.txt\r"));
+    }
+
+    void attributeHelpers()
+    {
+        QDomDocument document;
+        document.setContent(QStringLiteral("<Configuration><Sampling Enabled=\"True\"><Part "
+                                           "Name=\"\"/></Sampling></Configuration>"));
+        const QDomElement root = document.documentElement();
+        const QDomElement part = XMLSupport::SelectXMLNode(root, "Sampling/Part").toElement();
+        QCOMPARE(part.tagName(), QStringLiteral("Part"));
+        QVERIFY(XMLSupport::SelectXMLNode(root, "Sampling/Process/Test").isNull());
+
+        // An absent attribute gives the default's text; a present but empty one its value.
+        QCOMPARE(XMLSupport::GetXMLAttribute(part, "Revision", 7), QStringLiteral("7"));
+        QCOMPARE(XMLSupport::GetXMLAttribute(part, "Name", "default"), QString());
+        QCOMPARE(XMLSupport::GetXMLAttribute(part, "Active", true), QStringLiteral("True"));
+        // The element itself missing gives the empty text, not the default: kept as it is.
+        const QDomElement missing = XMLSupport::SelectXMLNode(root, "Nothing").toElement();
+        QCOMPARE(XMLSupport::GetXMLAttribute(missing, "Revision", 7), QString());
+        XMLSupport::SetXMLAttribute(missing, "Revision", 8);
+
+        XMLSupport::SetXMLAttribute(part, "Enabled", false);
+        XMLSupport::SetXMLAttribute(part, "Period", 2.5);
+        QCOMPARE(part.attribute("Enabled"), QStringLiteral("False"));
+        QCOMPARE(part.attribute("Period"), QStringLiteral("2.5"));
+    }
+
+    void xmlTextIsTheSameOnEveryRun()
+    {
+        QDomDocument document;
+        QDomElement root = document.createElement(QStringLiteral("Configurations"));
+        document.appendChild(root);
+        QDomElement equipment = document.createElement(QStringLiteral("Equipment"));
+        root.appendChild(equipment);
+        // Written in the order of the configuration's layout (Name, Settings), then the
+        // attributes it does not know by name.
+        equipment.setAttribute(QStringLiteral("Settings"), QStringLiteral("IP:10.1.1.9:1000"));
+        equipment.setAttribute(QStringLiteral("Name"), QStringLiteral("Horn \"B\" & <C>"));
+        equipment.setAttribute(QStringLiteral("Note"), QStringLiteral("line 1\nline 2\tend"));
+        equipment.setAttribute(QStringLiteral("Address"), QString());
+        root.appendChild(document.createElement(QStringLiteral("Empty")));
+        QDomElement text = document.createElement(QStringLiteral("Text"));
+        text.appendChild(document.createTextNode(QStringLiteral("a < b & \"c\"")));
+        root.appendChild(text);
+
+        const QString expected = QStringLiteral(
+            "<Configurations><Equipment Name=\"Horn &quot;B&quot; &amp; &lt;C&gt;\" "
+            "Settings=\"IP:10.1.1.9:1000\" Address=\"\" Note=\"line 1&#xa;line 2&#x9;end\"/>"
+            "<Empty/>"
+            "<Text>a &lt; b &amp; \"c\"</Text></Configurations>");
+        QCOMPARE(xmlText(root), expected);
+
+        // Read back, every value is what was set.
+        QDomDocument reread;
+        QVERIFY(reread.setContent(expected));
+        const QDomElement again = reread.documentElement().firstChildElement("Equipment");
+        QCOMPARE(again.attribute("Name"), QStringLiteral("Horn \"B\" & <C>"));
+        QCOMPARE(again.attribute("Note"), QStringLiteral("line 1\nline 2\tend"));
+        QCOMPARE(xmlText(reread.documentElement()), expected);
+    }
 
     void settingsStore_data()
     {
@@ -90,33 +192,19 @@ private slots:
         QCOMPARE(files.preferencesPath, m_folder->filePath("corvane-monitor.ini"));
     }
 
-    void measurementSystem_data()
-    {
-        QTest::addColumn<QByteArray>("preferences");
-        QTest::addColumn<int>("expected"); // -1: the regional default
-        QTest::newRow("metric") << QByteArray("[PREFERENCES]\nMEASUREMENT_SYSTEM=0\n") << 0;
-        QTest::newRow("inch") << QByteArray("[PREFERENCES]\nMEASUREMENT_SYSTEM=1\n") << 1;
-        QTest::newRow("two") << QByteArray("[PREFERENCES]\nMEASUREMENT_SYSTEM=2\n") << -1;
-        QTest::newRow("text") << QByteArray("[PREFERENCES]\nMEASUREMENT_SYSTEM=inch\n") << -1;
-        QTest::newRow("absent") << QByteArray("[PREFERENCES]\n") << -1;
-        QTest::newRow("no file") << QByteArray() << -1;
-    }
-
+    // The preferences file of the data folder decides the units; without one the region.
     void measurementSystem()
     {
-        QFETCH(QByteArray, preferences);
-        QFETCH(int, expected);
-        const QString preferencesPath = m_folder->filePath(QStringLiteral("corvane-monitor.ini"));
-        QFile::remove(preferencesPath);
-        if (!preferences.isEmpty())
-            writeFile(preferencesPath, preferences);
         const auto store = ShellSettings::openSettingsStore();
-        for (const MeasurementSystem regional :
-             {MeasurementSystem::Metric, MeasurementSystem::US}) {
-            const ShellFiles files =
-                ShellFiles::resolve(ProgramFiles(m_folder->path()), *store, regional);
-            QCOMPARE(int(files.measurementSystem), expected < 0 ? int(regional) : expected);
-        }
+        const auto resolved = [&](MeasurementSystem regional) {
+            return ShellFiles::resolve(ProgramFiles(m_folder->path()), *store, regional)
+                .measurementSystem;
+        };
+        QCOMPARE(resolved(MeasurementSystem::US), MeasurementSystem::US);
+        QCOMPARE(resolved(MeasurementSystem::Metric), MeasurementSystem::Metric);
+        writeFile(m_folder->filePath(QStringLiteral("corvane-monitor.ini")),
+                  "[PREFERENCES]\nMEASUREMENT_SYSTEM=1\n");
+        QCOMPARE(resolved(MeasurementSystem::Metric), MeasurementSystem::US);
     }
 
     void dataFolderIsCreated()

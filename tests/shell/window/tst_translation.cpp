@@ -292,13 +292,10 @@ private slots:
         const auto row = [](const char *place, const char *token, const char *expected) {
             QTest::newRow(place) << QString::fromUtf8(token) << QString::fromUtf8(expected);
         };
-        row("column", "6007|Weld Time", "Schweißzeit");
         row("before a value", "6007|Weld Time: ", "Schweißzeit: ");
         row("joined word", "24|Time ", "Zeit ");
         row("menu item", "6335|&Data Logging...", "&Datenprotokollierung...");
-        row("dialog title", "6335|Data Logging", "Datenprotokollierung");
         row("access key moved", "3791|S&hut Down...", "&Beenden...");
-        row("link state", "6051|Connecting...", "Verbindung wird hergestellt...");
         row("sentence", "1844|NO PART! A part must be selected before continuing.",
             "KEIN TEIL! Vor dem Fortfahren muss ein Teil ausgewählt werden.");
         row("no number", "Last weld", "Last weld");

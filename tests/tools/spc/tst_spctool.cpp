@@ -1,3 +1,4 @@
+#include "ProgramRun.h"
 #include "ScratchDatabase.h"
 
 #include "platform/spc/Schema.h"
@@ -39,33 +40,6 @@ ToolRun runTool(const QStringList &arguments, const QString &dataFolder)
     run.out = QString::fromUtf8(process.readAllStandardOutput());
     run.err = QString::fromUtf8(process.readAllStandardError());
     return run;
-}
-
-// Reads comma-separated values the way a spreadsheet does: quoted fields may hold
-// commas, line breaks and doubled quotes, and every row ends in CR LF. Returns false on
-// text that breaks the rules.
-bool parseCsv(const QString &text, QList<QStringList> &rows)
-{
-    static const QRegularExpression field(QStringLiteral(R"(("(?:[^"]|"")*"|[^",\r\n]*)(,|\r\n))"));
-    QStringList row;
-    for (qsizetype at = 0; at < text.size();) {
-        const QRegularExpressionMatch match =
-            field.match(text, at, QRegularExpression::NormalMatch,
-                        QRegularExpression::AnchorAtOffsetMatchOption);
-        if (!match.hasMatch())
-            return false;
-        QString value = match.captured(1);
-        if (value.startsWith(u'"'))
-            value = value.mid(1, value.size() - 2)
-                        .replace(QStringLiteral("\"\""), QStringLiteral("\""));
-        row.append(value);
-        if (match.captured(2) != QLatin1String(",")) {
-            rows.append(row);
-            row.clear();
-        }
-        at = match.capturedEnd();
-    }
-    return row.isEmpty();
 }
 
 Subgroup storedSubgroup(const QString &part, const QDateTime &time)
@@ -139,136 +113,58 @@ private slots:
                  QStringLiteral("Housing, left\tWeld Time\t20\t\t0.3\t0.1\t\n"));
     }
 
+    // The report of stored subgroups reads back as a spreadsheet reads it, texts with
+    // commas, quotes and line breaks intact; its filters narrow it.
     void subgroupReportParsesBack_data() { addBackendRows(); }
     void subgroupReportParsesBack()
     {
         SCRATCH_DATABASE(scratch);
         const QString data = m_dataFolder.path();
-        const QDateTime first(QDate(2026, 11, 14), QTime(22, 10, 0));
-        const QDateTime second(QDate(2026, 11, 15), QTime(6, 0, 0, 500));
-        QList<Subgroup> subgroups = {storedSubgroup(QStringLiteral("Housing"), first),
-                                     storedSubgroup(QStringLiteral("Cover"), second)};
-        QList<qint64> ids;
+        qint64 housing = 0;
         {
             SqlDatabase database;
             QVERIFY(connectTo(database, scratch.dsn()));
-            for (const Subgroup &subgroup : subgroups)
-                ids.append(subgroup.store(database));
+            housing = storedSubgroup(QStringLiteral("Housing"),
+                                     QDateTime(QDate(2026, 11, 14), QTime(22, 10, 0)))
+                          .store(database);
+            QVERIFY(storedSubgroup(QStringLiteral("Cover"),
+                                   QDateTime(QDate(2026, 11, 15), QTime(6, 0, 0, 500)))
+                        .store(database) > housing);
         }
         // The report's rows, or none when the tool fails or writes broken text.
         const auto report = [&](const QStringList &filter) {
             QList<QStringList> rows;
             const ToolRun run =
                 runTool(QStringList({"subgroups", "--csv", "--dsn", scratch.dsn()}) + filter, data);
-            if (run.exitCode != 0 || !parseCsv(run.out, rows)) {
+            if (run.exitCode != 0 || !ProgramRun::parseCsv(run.out, rows)) {
                 qWarning("%s%s", qPrintable(run.out), qPrintable(run.err));
                 rows.clear();
             }
             return rows;
         };
-        QList<QStringList> rows = report({});
+        const QList<QStringList> rows = report({});
         QCOMPARE(rows.size(), 1 + 2 * 4);
-        QCOMPARE(rows.takeFirst(),
-                 QStringList({"subgroup", "date_time", "part_group", "part", "process_group",
-                              "process", "source_tag", "value_count", "test_item", "kind",
-                              "sample_number", "value", "text"}));
-        // Numbers and times are compared by value, whatever their spelling.
-        const auto normal = [](QStringList fields) {
-            if (fields.size() == 13) {
-                fields[1] = QString::number(
-                    QDateTime::fromString(fields[1], Qt::ISODateWithMs).toMSecsSinceEpoch());
-                fields[11] = QString::number(fields[11].toDouble(), 'g', 17);
-            }
-            return fields;
-        };
-        QList<QStringList> expected;
-        for (int s = 0; s < subgroups.size(); ++s) {
-            const SubgroupHeader &h = subgroups[s].header();
-            for (const TestItem &item : subgroups[s].testItems()) {
-                for (const SubgroupValue &value : item.values) {
-                    expected.append(
-                        normal({QString::number(ids[s]), h.dateTime.toString(Qt::ISODateWithMs),
-                                h.partGroup, h.part, h.processGroup, h.process, h.sourceTag,
-                                QString::number(h.valueCount), item.name,
-                                QString::number(item.kind), QString::number(value.sampleNumber),
-                                QString::number(value.value, 'g', 17), value.text}));
-                }
-            }
-        }
-        QList<QStringList> found;
-        for (const QStringList &fields : rows)
-            found.append(normal(fields));
-        QCOMPARE(found, expected);
-        QCOMPARE(rows.at(0).at(1), QStringLiteral("2026-11-14T22:10:00"));
+        QCOMPARE(rows[0].join(u','),
+                 QStringLiteral("subgroup,date_time,part_group,part,process_group,process,"
+                                "source_tag,value_count,test_item,kind,sample_number,value,text"));
+        QCOMPARE(rows[1], QStringList({QString::number(housing), "2026-11-14T22:10:00",
+                                       "Line 3, east", "Housing", "Corvane", "Seal weld", "Corvane",
+                                       "2", "Energy", "1", "1", "812.5", ""}));
+        QCOMPARE(rows[2][11].toDouble(), 1.0 / 3.0);
+        QCOMPARE(rows[3].mid(8),
+                 QStringList({"Reject Part Alarms", "2", "1", "1", "Peak Power \"High\", limit"}));
+        QCOMPARE(rows[4].mid(10), QStringList({"2", "1", "Two\r\nlines"}));
+        QCOMPARE(QDateTime::fromString(rows[5][1], Qt::ISODateWithMs),
+                 QDateTime(QDate(2026, 11, 15), QTime(6, 0, 0, 500)));
+        QCOMPARE(rows[8][3], QStringLiteral("Cover"));
 
         QCOMPARE(report({"--part", "Cover"}).size(), 1 + 4);
         QCOMPARE(report({"--process", "Spot weld"}).size(), 1);
         QCOMPARE(report({"--since", "2026-11-15"}).size(), 1 + 4);
-
         // Without --csv every stored value is one line, whatever its text holds.
         const ToolRun plain = runTool({"subgroups", "--dsn", scratch.dsn()}, data);
         QCOMPARE(plain.exitCode, 0);
         QCOMPARE(int(plain.out.count(u'\n')), 1 + 2 * 4);
-    }
-
-    void failuresExitWithOne_data()
-    {
-        QTest::addColumn<QStringList>("arguments");
-        QTest::addColumn<QString>("message");
-        QTest::newRow("unknown part")
-            << QStringList({"set-limits", "Nothing", "Energy", "--usl", "1"}) << "unknown part";
-        QTest::newRow("name taken") << QStringList({"add-part", "Housing"}) << "already exists";
-        QTest::newRow("inverted limits")
-            << QStringList({"set-limits", "Housing", "Energy", "--usl", "1", "--lsl", "2"})
-            << "LimitLower > LimitUpper";
-        QTest::newRow("bad data source")
-            << QStringList({"list", "parts", "--dsn", "mysql://db/quality"}) << "unsupported";
-        QTest::newRow("server not listening")
-            << QStringList({"init", "--dsn", "postgresql://spc@127.0.0.1:1/quality"})
-#ifdef Q_OS_WIN
-            // The Windows build carries no PostgreSQL client.
-            << "PostgreSQL is unavailable";
-#else
-            << "Unable to connect";
-#endif
-    }
-    void failuresExitWithOne()
-    {
-        QFETCH(QStringList, arguments);
-        QFETCH(QString, message);
-        QTemporaryDir data;
-        QVERIFY(runTool({"add-part", "Housing"}, data.path()).exitCode == 0);
-        QVERIFY(runTool({"add-test", "Energy"}, data.path()).exitCode == 0);
-        const ToolRun result = runTool(arguments, data.path());
-        QCOMPARE(result.exitCode, 1);
-        QVERIFY2(result.err.startsWith(QLatin1String("corvane-spc: ")), qPrintable(result.err));
-        QVERIFY2(result.err.contains(message), qPrintable(result.err));
-        QCOMPARE(int(result.err.count(u'\n')), 1);
-    }
-
-    void badUsageExitsWithTwo_data()
-    {
-        QTest::addColumn<QStringList>("arguments");
-        QTest::newRow("no command") << QStringList();
-        QTest::newRow("unknown command") << QStringList({"frobnicate"});
-        QTest::newRow("missing name") << QStringList({"add-part"});
-        QTest::newRow("option of another command")
-            << QStringList({"add-test", "T", "--group", "G"});
-        QTest::newRow("no limit") << QStringList({"set-limits", "P", "T"});
-        QTest::newRow("limit not a number")
-            << QStringList({"set-limits", "P", "T", "--usl", "1,5"});
-        QTest::newRow("unknown list") << QStringList({"list", "welders"});
-        QTest::newRow("bad date") << QStringList({"subgroups", "--since", "yesterday"});
-    }
-    void badUsageExitsWithTwo()
-    {
-        QFETCH(QStringList, arguments);
-        QTemporaryDir data;
-        const ToolRun result = runTool(arguments, data.path());
-        QCOMPARE(result.exitCode, 2);
-        QVERIFY(result.err.contains(QLatin1String("Usage: corvane-spc")));
-        // Bad usage never touches a database.
-        QVERIFY(QDir(data.path()).isEmpty());
     }
 
     void defaultDatabaseIsInTheDataFolder()
@@ -296,7 +192,7 @@ private slots:
         };
         const auto rowsOf = [](const ToolRun &run) {
             QList<QStringList> rows;
-            if (run.exitCode != 0 || !parseCsv(run.out, rows))
+            if (run.exitCode != 0 || !ProgramRun::parseCsv(run.out, rows))
                 qWarning("%s%s", qPrintable(run.out), qPrintable(run.err));
             return rows;
         };
@@ -415,37 +311,77 @@ private slots:
         QCOMPARE(raw.count(QStringLiteral("control_limits_history")), 1);
     }
 
-    void analysisRefusals_data()
+    // Failures end with status 1 and one line that says why; bad usage ends with status 2
+    // and the usage, and never touches a database. The rows marked "prepared" run on a
+    // database that holds part Housing and test Energy.
+    void refusals_data()
     {
         QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<bool>("prepared");
         QTest::addColumn<int>("exitCode");
         QTest::addColumn<QString>("message");
         const QStringList energy = {"--part",    "Housing", "--process",
                                     "Seal weld", "--test",  "Energy"};
-        QTest::newRow("no test") << QStringList({"chart", "--part", "P", "--process", "Q"}) << 2
-                                 << "Usage";
-        QTest::newRow("baseline and frozen")
-            << QStringList({"chart", "--baseline", "4", "--frozen"}) + energy << 2 << "Usage";
-        QTest::newRow("rule 9") << QStringList({"chart", "--rules", "1,9"}) + energy << 2
-                                << "Usage";
-        QTest::newRow("freeze without baseline")
-            << QStringList({"freeze-limits"}) + energy << 2 << "Usage";
-        QTest::newRow("nothing frozen")
-            << QStringList({"chart", "--frozen"}) + energy << 1 << "no control limits";
-        QTest::newRow("no subgroups") << QStringList({"chart"}) + energy << 1 << "not enough data";
-        QTest::newRow("not a report") << QStringList({"import", "/dev/null"}) << 1 << "heading";
-        QTest::newRow("no file") << QStringList({"import", "/nonexistent/history.csv"}) << 1
-                                 << "cannot read";
+        const auto row = [](const char *name, const QStringList &arguments, bool prepared,
+                            int exitCode, const char *message) {
+            QTest::newRow(name) << arguments << prepared << exitCode << QString(message);
+        };
+        row("unknown part", {"set-limits", "Nothing", "Energy", "--usl", "1"}, true, 1,
+            "unknown part");
+        row("name taken", {"add-part", "Housing"}, true, 1, "already exists");
+        row("inverted limits", {"set-limits", "Housing", "Energy", "--usl", "1", "--lsl", "2"},
+            true, 1, "LimitLower > LimitUpper");
+        row("bad data source", {"list", "parts", "--dsn", "mysql://db/quality"}, true, 1,
+            "unsupported");
+#ifdef Q_OS_WIN
+        // The Windows build carries no PostgreSQL client.
+        const char *noServer = "PostgreSQL is unavailable";
+#else
+        const char *noServer = "Unable to connect";
+#endif
+        row("server not listening", {"init", "--dsn", "postgresql://spc@127.0.0.1:1/quality"}, true,
+            1, noServer);
+        row("nothing frozen", QStringList{"chart", "--frozen"} + energy, false, 1,
+            "no control limits");
+        row("no subgroups", QStringList{"chart"} + energy, false, 1, "not enough data");
+        row("not a report", {"import", "/dev/null"}, false, 1, "heading");
+        row("no file", {"import", "/nonexistent/history.csv"}, false, 1, "cannot read");
+        const char *usage = "Usage: corvane-spc";
+        row("no command", {}, false, 2, usage);
+        row("unknown command", {"frobnicate"}, false, 2, usage);
+        row("missing name", {"add-part"}, false, 2, usage);
+        row("option of another command", {"add-test", "T", "--group", "G"}, false, 2, usage);
+        row("no limit", {"set-limits", "P", "T"}, false, 2, usage);
+        row("limit not a number", {"set-limits", "P", "T", "--usl", "1,5"}, false, 2, usage);
+        row("unknown list", {"list", "welders"}, false, 2, usage);
+        row("bad date", {"subgroups", "--since", "yesterday"}, false, 2, usage);
+        row("chart without test", {"chart", "--part", "P", "--process", "Q"}, false, 2, usage);
+        row("baseline and frozen", QStringList{"chart", "--baseline", "4", "--frozen"} + energy,
+            false, 2, usage);
+        row("rule 9", QStringList{"chart", "--rules", "1,9"} + energy, false, 2, usage);
+        row("freeze without baseline", QStringList{"freeze-limits"} + energy, false, 2, usage);
     }
-    void analysisRefusals()
+
+    void refusals()
     {
         QFETCH(QStringList, arguments);
+        QFETCH(bool, prepared);
         QFETCH(int, exitCode);
         QFETCH(QString, message);
         QTemporaryDir data;
+        if (prepared) {
+            QVERIFY(runTool({"add-part", "Housing"}, data.path()).exitCode == 0);
+            QVERIFY(runTool({"add-test", "Energy"}, data.path()).exitCode == 0);
+        }
         const ToolRun result = runTool(arguments, data.path());
         QCOMPARE(result.exitCode, exitCode);
         QVERIFY2(result.err.contains(message), qPrintable(result.err));
+        if (exitCode == 1 && prepared) {
+            QVERIFY2(result.err.startsWith(QLatin1String("corvane-spc: ")), qPrintable(result.err));
+            QCOMPARE(int(result.err.count(u'\n')), 1);
+        }
+        if (exitCode == 2)
+            QVERIFY(QDir(data.path()).isEmpty());
     }
 };
 
