@@ -4,6 +4,7 @@
 #include "MonitorFixture.h"
 #include "SampleWelds.h"
 
+#include "monitor/SamplingSeam.h"
 #include "overview/widgets/OverviewPage.h"
 #include "overview/widgets/WelderTile.h"
 #include "stats/widgets/BgrColor.h"
