@@ -145,6 +145,9 @@ def layer_suites(build_dir, tree):
         check=True, capture_output=True, text=True).stdout)
     suites = {layer: [] for layer in LAYERS}
     for test in info["tests"]:
+        # A suite whose executable is not built yet has no command; it is not this run's.
+        if "command" not in test:
+            continue
         exe = Path(test["command"][0])
         parts = exe.relative_to(build_dir.resolve()).parts
         if len(parts) == 3 and parts[0] == tree and parts[1] in suites:
