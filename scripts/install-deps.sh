@@ -6,6 +6,7 @@ set -euo pipefail
 packages=(
   build-essential cmake ninja-build ccache pkg-config
   qt6-base-dev qt6-serialport-dev qt6-charts-dev qt6-svg-dev
+  libqcustomplot-dev
   libqt6sql6-sqlite libqt6sql6-psql libgl-dev qt6-translations-l10n
   clang libclang-rt-14-dev
   libbenchmark-dev

@@ -145,7 +145,7 @@ def layer_suites(build_dir, tree):
         check=True, capture_output=True, text=True).stdout)
     suites = {layer: [] for layer in LAYERS}
     for test in info["tests"]:
-        # A suite whose executable is not built yet has no command; it is not this run's.
+        # A suite that was not built has no command yet: it belongs to no layer here.
         if "command" not in test:
             continue
         exe = Path(test["command"][0])

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/spc/Subgroup.h"
+
 #include <QDateTime>
 #include <QDomDocument>
 #include <QDomElement>
@@ -22,6 +24,10 @@ struct RuleViolation
     QDateTime subgroupTime;
     // The plotted point: the subgroup mean (or the spread on the lower chart).
     double value = 0;
+    // The centre line and control limits of the chart the point is plotted on.
+    double centre = 0;
+    double lowerLimit = 0;
+    double upperLimit = 0;
 };
 
 // What the equipment monitor asks of its SPC sampling object: start and stop a
@@ -79,6 +85,9 @@ public:
     virtual int backlog() const { return 0; }
 
 signals:
+    // A period closed and left this subgroup: stored in the database, or queued in the
+    // outbox when queued is true.
+    void subgroupCompleted(const qlaDatabase6::Subgroup &subgroup, bool queued);
     void backlogChanged(int backlog);
     // The SPC database answers (again): its specification limits can be read now.
     void databaseReachable();

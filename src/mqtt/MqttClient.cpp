@@ -7,9 +7,12 @@
 #include <QElapsedTimer>
 #include <QSet>
 #include <QSocketNotifier>
+#include <QThread>
 
 #include <mosquitto.h>
+#include <mqtt_protocol.h>
 
+#include <memory>
 #include <mutex>
 
 Q_LOGGING_CATEGORY(lcMqtt, "corvane.mqtt")
@@ -21,10 +24,19 @@ constexpr int kKeepAliveSeconds = 30;
 constexpr int kFirstRetryMs = 1000;
 constexpr int kLongestRetryMs = 30000;
 constexpr int kHousekeepingMs = 100;
+// How long the end of a client waits for a connection that is still starting.
+constexpr int kFinishConnectMs = 3000;
 // Messages handed to the client library and not yet acknowledged. The rest wait in our
-// own queue, where the bound and the count of dropped messages apply.
-constexpr int kInFlightWindow = 1000;
+// own queue, where the bound and the count of dropped messages apply. The library walks
+// its list of unacknowledged messages at every publish and every acknowledgement, so a
+// wider window costs time per message; 300 still covers 15 ms of round trip at 20,000
+// messages a second.
+constexpr int kInFlightWindow = 300;
 constexpr int kPacketsPerRead = 1000;
+// How long an MQTT 5 broker keeps our session after the connection ends: long enough for
+// a network outage or a restart of the workstation, short enough that a retired one does
+// not occupy the broker for good.
+constexpr int kSessionExpirySeconds = 24 * 3600;
 
 const QString kEventArea = QStringLiteral("MQTT");
 
@@ -32,6 +44,28 @@ void initialiseLibrary()
 {
     static std::once_flag once;
     std::call_once(once, [] { mosquitto_lib_init(); });
+}
+
+struct ConnectOutcome
+{
+    int result = MOSQ_ERR_SUCCESS;
+    QString reason;
+};
+
+// Looks the host up, opens the TCP connection and sends CONNECT; blocks while it does, so
+// it runs on the connect thread. The library keeps the CONNECT properties for later
+// reconnects as well.
+ConnectOutcome startConnection(mosquitto *mosq, const QByteArray &host, int port, bool v5)
+{
+    mosquitto_property *properties = nullptr;
+    if (v5)
+        mosquitto_property_add_int32(&properties, MQTT_PROP_SESSION_EXPIRY_INTERVAL,
+                                     kSessionExpirySeconds);
+    const int result = mosquitto_connect_bind_v5(mosq, host.constData(), port, kKeepAliveSeconds,
+                                                 nullptr, properties);
+    mosquitto_property_free_all(&properties);
+    // A failed system call leaves its reason in this thread's errno.
+    return {result, QString::fromUtf8(mosquitto_strerror(result))};
 }
 
 } // namespace
@@ -51,6 +85,7 @@ MqttClient::MqttClient(MqttSettings settings, EventLog &eventLog, QObject *paren
 MqttClient::~MqttClient()
 {
     dropSocketWatch();
+    endConnectThread(kFinishConnectMs);
     if (m_mosq)
         mosquitto_destroy(m_mosq);
 }
@@ -90,7 +125,7 @@ void MqttClient::start()
     }
     const QByteArray statusTopic = MqttTopics::status(m_settings.topicRoot).toUtf8();
     mosquitto_will_set(m_mosq, statusTopic.constData(), 7, "offline", kQos, true);
-    mosquitto_connect_callback_set(m_mosq, &MqttClient::onConnect);
+    mosquitto_connect_with_flags_callback_set(m_mosq, &MqttClient::onConnect);
     mosquitto_disconnect_callback_set(m_mosq, &MqttClient::onDisconnect);
     mosquitto_publish_callback_set(m_mosq, &MqttClient::onPublish);
     m_housekeeping.start();
@@ -99,15 +134,19 @@ void MqttClient::start()
 
 void MqttClient::publish(const QString &topic, const QByteArray &payload, bool retained)
 {
-    QByteArray key = topic.toUtf8();
+    publish(topic.toUtf8(), payload, retained);
+}
+
+void MqttClient::publish(const QByteArray &topic, const QByteArray &payload, bool retained)
+{
     if (retained)
-        m_retained.insert(key, payload);
+        m_retained.insert(topic, payload);
     if (qsizetype(m_queue.size()) >= m_settings.queueLimit) {
         m_queue.pop_front();
         ++m_droppedSinceLoss;
         ++m_droppedTotal;
     }
-    m_queue.push_back({std::move(key), payload, retained});
+    m_queue.push_back({topic, payload, retained});
     if (m_state == State::Connected && m_inFlight < kInFlightWindow)
         afterLoop(MOSQ_ERR_SUCCESS);
 }
@@ -119,6 +158,8 @@ void MqttClient::finish(int timeoutMs)
     m_finishing = true;
     m_reconnect.stop();
     m_housekeeping.stop();
+    if (!endConnectThread(timeoutMs))
+        return;
     publish(MqttTopics::status(m_settings.topicRoot), "offline", true);
     QElapsedTimer elapsed;
     elapsed.start();
@@ -162,21 +203,54 @@ QString MqttClient::stateText() const
 void MqttClient::connectToBroker()
 {
     setState(State::Connecting);
-    const int result = m_everConnected || m_lossReported
-                           ? mosquitto_reconnect_async(m_mosq)
-                           : mosquitto_connect_async(m_mosq, m_settings.host.toUtf8().constData(),
-                                                     m_settings.port, kKeepAliveSeconds);
+    dropSocketWatch();
+    auto outcome = std::make_shared<ConnectOutcome>();
+    QThread *thread = QThread::create(
+        [mosq = m_mosq, host = m_settings.host.toUtf8(), port = int(m_settings.port),
+         v5 = m_settings.protocol == MqttSettings::Protocol::V5,
+         outcome] { *outcome = startConnection(mosq, host, port, v5); });
+    m_connectThread = thread;
+    connect(thread, &QThread::finished, this, [this, thread, outcome] {
+        // A client at its end may have waited for the thread already.
+        if (thread != m_connectThread)
+            return;
+        m_connectThread = nullptr;
+        thread->deleteLater();
+        connectStarted(outcome->result, outcome->reason);
+    });
+    thread->start();
+}
+
+void MqttClient::connectStarted(int result, const QString &reason)
+{
     if (result != MOSQ_ERR_SUCCESS) {
-        connectionLost(result);
+        connectionLost(result, reason);
         return;
     }
     watchSocket();
     afterLoop(MOSQ_ERR_SUCCESS);
 }
 
-void MqttClient::onConnect(mosquitto *, void *self, int result)
+bool MqttClient::endConnectThread(int timeoutMs)
 {
-    static_cast<MqttClient *>(self)->connected(result);
+    if (!m_connectThread)
+        return true;
+    QThread *thread = std::exchange(m_connectThread, nullptr);
+    if (thread->wait(timeoutMs)) {
+        delete thread;
+        return true;
+    }
+    // A host that does not answer holds the thread in the system's connect for up to
+    // minutes. The thread keeps the handle and ends with the program.
+    qCWarning(lcMqtt) << "connection to" << m_settings.brokerText() << "still starting at exit";
+    m_mosq = nullptr;
+    setState(State::Disconnected);
+    return false;
+}
+
+void MqttClient::onConnect(mosquitto *, void *self, int result, int flags)
+{
+    static_cast<MqttClient *>(self)->connected(result, flags & 1);
 }
 
 void MqttClient::onDisconnect(mosquitto *, void *self, int result)
@@ -192,7 +266,7 @@ void MqttClient::onPublish(mosquitto *, void *self, int)
     ++client->m_delivered;
 }
 
-void MqttClient::connected(int result)
+void MqttClient::connected(int result, bool sessionPresent)
 {
     if (result != 0) {
         // A refusal (bad credentials, client id) ends in a disconnect, handled there.
@@ -200,6 +274,7 @@ void MqttClient::connected(int result)
         return;
     }
     m_retryDelayMs = kFirstRetryMs;
+    m_sessionResumed = sessionPresent;
     if (m_lossReported) {
         m_eventLog.WriteEventLog(kEventArea, QStringLiteral("Broker connection restored"),
                                  int(qMin<qint64>(m_droppedSinceLoss, INT_MAX)),
@@ -226,7 +301,7 @@ void MqttClient::connected(int result)
     }
 }
 
-void MqttClient::connectionLost(int result)
+void MqttClient::connectionLost(int result, const QString &reason)
 {
     if (m_state == State::Disconnected)
         return;
@@ -238,11 +313,12 @@ void MqttClient::connectionLost(int result)
         return;
     if (!m_lossReported) {
         m_lossReported = true;
-        m_eventLog.WriteEventLog(kEventArea,
-                                 m_everConnected ? QStringLiteral("Broker connection lost")
-                                                 : QStringLiteral("Broker unreachable"),
-                                 result, QString::fromUtf8(mosquitto_strerror(result)),
-                                 m_settings.brokerText());
+        m_eventLog.WriteEventLog(
+            kEventArea,
+            m_everConnected ? QStringLiteral("Broker connection lost")
+                            : QStringLiteral("Broker unreachable"),
+            result, reason.isEmpty() ? QString::fromUtf8(mosquitto_strerror(result)) : reason,
+            m_settings.brokerText());
     }
     scheduleReconnect();
 }
@@ -292,7 +368,8 @@ void MqttClient::writeSocket()
 
 void MqttClient::housekeeping()
 {
-    if (m_state == State::Disconnected)
+    // While the connect thread works, the handle is its own.
+    if (m_state == State::Disconnected || m_connectThread)
         return;
     // Keep-alive pings, and records that TLS decoded ahead of the socket's signal.
     int result = mosquitto_loop_misc(m_mosq);

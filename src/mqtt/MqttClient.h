@@ -14,6 +14,7 @@
 
 class EventLog;
 class QSocketNotifier;
+class QThread;
 struct mosquitto;
 
 Q_DECLARE_LOGGING_CATEGORY(lcMqtt)
@@ -22,7 +23,12 @@ Q_DECLARE_LOGGING_CATEGORY(lcMqtt)
 // the client's socket sits on socket notifiers and its keep-alive on a timer, so a
 // publish only appends to a queue and never waits for the network.
 //
-// Every message goes with QoS 1 and a persistent session (clean session off). While the
+// The name lookup and the start of each connection run on a worker thread, so that a slow
+// name server or an unreachable host never holds up the capture; the socket comes to the
+// event loop once the connection is under way.
+//
+// Every message goes with QoS 1 and a persistent session (clean session off; with MQTT 5
+// the session outlives the connection by a day). While the
 // broker is away, messages wait in memory up to the configured bound, the oldest
 // dropped first; after the reconnect they go out in order, and the number dropped is
 // written to the event log. The broker's last will marks the status topic "offline"
@@ -42,6 +48,8 @@ public:
     // Queues one message. A retained message is also sent again at every reconnect, so
     // that a late subscriber finds the present state even after a broker restart.
     void publish(const QString &topic, const QByteArray &payload, bool retained = false);
+    // The same with the topic in UTF-8, for a sender that keeps its topics.
+    void publish(const QByteArray &topic, const QByteArray &payload, bool retained = false);
     // Marks the status "offline", delivers what is queued within timeoutMs and
     // disconnects cleanly. Blocks: meant for the end of the program.
     void finish(int timeoutMs);
@@ -53,6 +61,8 @@ public:
     qint64 droppedCount() const { return m_droppedTotal; }
     // Messages the broker has acknowledged.
     qint64 deliveredCount() const { return m_delivered; }
+    // The broker still held this client's session at the last connect.
+    bool sessionResumed() const { return m_sessionResumed; }
 
 signals:
     void stateChanged(MqttClient::State state);
@@ -65,13 +75,16 @@ private:
         bool retained;
     };
 
-    static void onConnect(mosquitto *, void *self, int result);
+    static void onConnect(mosquitto *, void *self, int result, int flags);
     static void onDisconnect(mosquitto *, void *self, int result);
     static void onPublish(mosquitto *, void *self, int mid);
 
     void connectToBroker();
-    void connected(int result);
-    void connectionLost(int result);
+    void connectStarted(int result, const QString &reason);
+    // Waits for the connect thread; false when it is still at work and keeps the handle.
+    bool endConnectThread(int timeoutMs);
+    void connected(int result, bool sessionPresent);
+    void connectionLost(int result, const QString &reason = {});
     void scheduleReconnect();
     void watchSocket();
     void dropSocketWatch();
@@ -91,7 +104,10 @@ private:
     bool m_everConnected = false;
     bool m_lossReported = false;
     bool m_finishing = false;
+    bool m_sessionResumed = false;
     int m_retryDelayMs;
+    // Starts the connection: owns the client library's handle until it ends.
+    QThread *m_connectThread = nullptr;
 
     std::unique_ptr<QSocketNotifier> m_readNotifier;
     std::unique_ptr<QSocketNotifier> m_writeNotifier;

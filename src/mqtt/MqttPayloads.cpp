@@ -3,6 +3,7 @@
 #include "JsonWriter.h"
 
 #include "monitor/AlarmNames.h"
+#include "monitor/SamplingSeam.h"
 #include "protocol/CorvaneFUN26.h"
 
 namespace MqttPayloads {
@@ -74,15 +75,15 @@ void writeRecord(JsonWriter &json, const CorvaneFUN26 &r)
 
 } // namespace
 
-QByteArray weld(const WeldContext &context, const CorvaneFUN26 &record, const qlxLanguage &language)
+QByteArray weld(const Source &source, const CorvaneFUN26 &record, const qlxLanguage &language)
 {
     JsonWriter json;
-    json.field("configuration", context.configuration);
-    json.field("part", context.part);
-    json.field("process", context.process);
+    json.field("configuration", source.configuration);
+    json.field("part", source.part);
+    json.field("process", source.process);
     json.field("acquiredTime", isoTime(record.AcquiredTime));
     json.field("cycleCount", record.CycleCount);
-    json.field("unitSystem", context.measurementSystem == MeasurementSystem::US
+    json.field("unitSystem", source.measurementSystem == MeasurementSystem::US
                                  ? QStringLiteral("US")
                                  : QStringLiteral("metric"));
     json.field("weldMode", record.WeldModeDescription(language));
@@ -91,6 +92,60 @@ QByteArray weld(const WeldContext &context, const CorvaneFUN26 &record, const ql
     for (const NamedGroup &group : kAlarmGroups)
         json.field(group.name, groupAlarmNames(record, group.group, language));
     json.endObject();
+    return json.take();
+}
+
+QByteArray subgroup(const QString &configuration, const qlaDatabase6::Subgroup &subgroup,
+                    bool queued)
+{
+    const qlaDatabase6::SubgroupHeader &header = subgroup.header();
+    JsonWriter json;
+    json.field("configuration", configuration);
+    json.field("key", header.key);
+    json.field("dateTime", isoTime(header.dateTime));
+    json.field("partGroup", header.partGroup);
+    json.field("part", header.part);
+    json.field("processGroup", header.processGroup);
+    json.field("process", header.process);
+    json.field("sourceTag", header.sourceTag);
+    json.field("valueCount", header.valueCount);
+    json.field("queued", queued);
+    json.beginArray("testItems");
+    for (const qlaDatabase6::TestItem &item : subgroup.testItems()) {
+        json.beginObject();
+        json.field("name", item.name);
+        json.field("kind", item.kind);
+        json.beginArray("values");
+        for (const qlaDatabase6::SubgroupValue &value : item.values) {
+            json.beginObject();
+            json.field("sample", value.sampleNumber);
+            json.field("value", value.value);
+            if (!value.text.isEmpty())
+                json.field("text", value.text);
+            json.endObject();
+        }
+        json.endArray();
+        json.endObject();
+    }
+    json.endArray();
+    return json.take();
+}
+
+QByteArray rule(const Source &source, const RuleViolation &violation, const QString &text)
+{
+    JsonWriter json;
+    json.field("configuration", source.configuration);
+    json.field("part", source.part);
+    json.field("process", source.process);
+    json.field("characteristic", violation.characteristic);
+    json.field("chart", violation.spreadChart ? QStringLiteral("spread") : QStringLiteral("mean"));
+    json.field("rule", violation.rule);
+    json.field("subgroupTime", isoTime(violation.subgroupTime));
+    json.field("value", violation.value);
+    json.field("centre", violation.centre);
+    json.field("lowerLimit", violation.lowerLimit);
+    json.field("upperLimit", violation.upperLimit);
+    json.field("text", text);
     return json.take();
 }
 

@@ -7,7 +7,12 @@
 #include <QString>
 
 struct CorvaneFUN26;
+struct RuleViolation;
 class qlxLanguage;
+
+namespace qlaDatabase6 {
+class Subgroup;
+}
 
 // The JSON bodies of the messages a monitor publishes: UTF-8, numbers as numbers, times
 // in ISO 8601 with the zone offset. Alarm names and the weld-mode description use the
@@ -15,8 +20,8 @@ class qlxLanguage;
 // the bus read the same words from every workstation.
 namespace MqttPayloads {
 
-// What a weld message says besides the record.
-struct WeldContext
+// The monitor a weld or rule message comes from, and the unit system of its values.
+struct Source
 {
     QString configuration;
     QString part;
@@ -27,8 +32,13 @@ struct WeldContext
 // The state of one configuration's link to its power supply.
 enum class LinkState { Stopped, Connecting, Connected, InvalidPort };
 
-QByteArray weld(const WeldContext &context, const CorvaneFUN26 &record,
-                const qlxLanguage &language);
+QByteArray weld(const Source &source, const CorvaneFUN26 &record, const qlxLanguage &language);
+// The subgroup as the SPC database holds it, row for row, and whether it waits in the
+// outbox rather than in the database.
+QByteArray subgroup(const QString &configuration, const qlaDatabase6::Subgroup &subgroup,
+                    bool queued);
+// text: the alarms-list line of the violation.
+QByteArray rule(const Source &source, const RuleViolation &violation, const QString &text);
 QByteArray linkState(const QString &configuration, LinkState state, const QDateTime &time);
 
 QString linkStateName(LinkState state);

@@ -4,6 +4,7 @@
 #include "MqttTopics.h"
 
 #include "monitor/EquipmentMonitor.h"
+#include "monitor/RuleAlarmText.h"
 #include "monitor/SamplingSeam.h"
 #include "platform/Clock.h"
 
@@ -22,11 +23,17 @@ void MqttPublisher::watch(EquipmentMonitor &monitor)
     EquipmentMonitor *source = &monitor;
     connect(source, &EquipmentMonitor::weldProcessed, this,
             [this, source](const CorvaneFUN26 &record) { publishWeld(*source, record); });
+    connect(&source->sampling(), &SamplingSeam::subgroupCompleted, this,
+            [this, source](const qlaDatabase6::Subgroup &subgroup, bool queued) {
+                publishSubgroup(*source, subgroup, queued);
+            });
+    connect(source, &EquipmentMonitor::ruleViolated, this,
+            [this, source](const RuleViolation &violation) { publishRule(*source, violation); });
     // A serial port that opened or was refused shows only in the connection label.
     const auto stateMayHaveChanged = [this, source] { publishLinkState(*source); };
     connect(source, &EquipmentMonitor::linkStateChanged, this, stateMayHaveChanged);
     connect(source, &EquipmentMonitor::connectionLabelChanged, this, stateMayHaveChanged);
-    connect(source, &QObject::destroyed, this, [this, source] { m_lastStates.remove(source); });
+    connect(source, &QObject::destroyed, this, [this, source] { m_watched.remove(source); });
 }
 
 BusState MqttPublisher::linkStateOf(const EquipmentMonitor &monitor)
@@ -47,17 +54,52 @@ BusState MqttPublisher::linkStateOf(const EquipmentMonitor &monitor)
     return BusState::Stopped;
 }
 
-void MqttPublisher::publishWeld(const EquipmentMonitor &monitor, const CorvaneFUN26 &record)
+MqttPayloads::Source MqttPublisher::sourceOf(const EquipmentMonitor &monitor) const
 {
-    const MqttPayloads::WeldContext context{
+    return {
         .configuration = monitor.configurationName(),
         .part = monitor.sampling().Part(),
         .process = monitor.sampling().Process(),
         .measurementSystem = m_measurementSystem,
     };
+}
+
+QString MqttPublisher::topic(const EquipmentMonitor &monitor, QStringView leaf) const
+{
+    return MqttTopics::configuration(m_client.settings().topicRoot, monitor.configurationName(),
+                                     leaf);
+}
+
+const QByteArray &MqttPublisher::weldTopic(const EquipmentMonitor &monitor)
+{
+    Watched &watched = m_watched[&monitor];
+    const QString name = monitor.configurationName();
+    if (watched.weldTopic.isEmpty() || watched.configuration != name) {
+        watched.configuration = name;
+        watched.weldTopic = topic(monitor, u"weld").toUtf8();
+    }
+    return watched.weldTopic;
+}
+
+void MqttPublisher::publishWeld(const EquipmentMonitor &monitor, const CorvaneFUN26 &record)
+{
+    m_client.publish(weldTopic(monitor),
+                     MqttPayloads::weld(sourceOf(monitor), record, m_busLanguage));
+}
+
+void MqttPublisher::publishSubgroup(const EquipmentMonitor &monitor,
+                                    const qlaDatabase6::Subgroup &subgroup, bool queued)
+{
+    m_client.publish(topic(monitor, u"subgroup"),
+                     MqttPayloads::subgroup(monitor.configurationName(), subgroup, queued));
+}
+
+void MqttPublisher::publishRule(const EquipmentMonitor &monitor, const RuleViolation &violation)
+{
+    // The monitor's own line is in the engineer's language; the bus gets the built-in one.
     m_client.publish(
-        MqttTopics::configuration(m_client.settings().topicRoot, context.configuration, u"weld"),
-        MqttPayloads::weld(context, record, m_busLanguage));
+        topic(monitor, u"rule"),
+        MqttPayloads::rule(sourceOf(monitor), violation, ruleAlarmText(violation, m_busLanguage)));
 }
 
 void MqttPublisher::publishLinkState(const EquipmentMonitor &monitor)
@@ -68,10 +110,10 @@ void MqttPublisher::publishLinkState(const EquipmentMonitor &monitor)
     if (name.isEmpty())
         return;
     const BusState state = linkStateOf(monitor);
-    const auto last = m_lastStates.constFind(&monitor);
-    if (last != m_lastStates.cend() && *last == state)
+    std::optional<BusState> &last = m_watched[&monitor].lastState;
+    if (last == state)
         return;
-    m_lastStates.insert(&monitor, state);
+    last = state;
     m_client.publish(MqttTopics::configuration(m_client.settings().topicRoot, name, u"state"),
                      MqttPayloads::linkState(name, state, m_clock.now()), true);
 }

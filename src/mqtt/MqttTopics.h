@@ -6,6 +6,8 @@
 //   <root>/status                       "online" / "offline" (retained, last will)
 //   <root>/<configuration>/state        link state (retained)
 //   <root>/<configuration>/weld         one message per weld
+//   <root>/<configuration>/subgroup     one message per completed SPC subgroup
+//   <root>/<configuration>/rule         one message per control-rule violation
 namespace MqttTopics {
 
 // A configuration name as one topic level. "/", "+" and "#" would split the level or

@@ -49,9 +49,11 @@ void LiveRuleCheck::check(const qlaDatabase6::Subgroup &subgroup, qlaDatabase6::
             points.erase(points.begin());
         const spc::ChartPoint &point = points.back();
         for (int rule : spc::RunRules::brokenAt(points, points.size() - 1, m_rules).rules())
-            violations.append({item.name, rule, false, header.dateTime, point.x});
+            violations.append({item.name, rule, false, header.dateTime, point.x, point.xCentre,
+                               point.xLower, point.xUpper});
         if (point.spreadBeyondLimits)
-            violations.append({item.name, 1, true, header.dateTime, *point.spread});
+            violations.append({item.name, 1, true, header.dateTime, *point.spread,
+                               point.spreadCentre, point.spreadLower, point.spreadUpper});
     }
     if (failure)
         throw *failure;

@@ -157,11 +157,6 @@ public:
     const SubgroupRecord &subgroupRecord() const { return m_subgroupRecord; }
     int backlog() const override { return qMax(m_backlog, 0); }
 
-signals:
-    // A period closed and left this subgroup: stored in the database, or queued in the
-    // outbox when queued is true.
-    void subgroupCompleted(const qlaDatabase6::Subgroup &subgroup, bool queued);
-
 private:
     struct AlarmLogGroup
     {

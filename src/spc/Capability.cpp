@@ -129,8 +129,9 @@ CapabilityFigures Capability::of(std::span<const SubgroupValues> subgroups, Char
     return figures;
 }
 
-CapabilityFigures Capability::overall(const std::vector<double> &values,
-                                      const SpecificationLimits &limits)
+CapabilityFigures Capability::overall(std::span<const double> values,
+                                      const SpecificationLimits &limits,
+                                      std::span<const std::pair<double, qint64>> tallied)
 {
     CapabilityFigures figures;
     figures.limits = limits;
@@ -138,6 +139,9 @@ CapabilityFigures Capability::overall(const std::vector<double> &values,
         [&](auto visit) {
             for (double v : values)
                 visit(v);
+            for (const auto &[value, count] : tallied)
+                for (qint64 k = 0; k < count; ++k)
+                    visit(value);
         },
         limits);
     figures.enoughData = m.count >= 2 && m.sigma > 0;

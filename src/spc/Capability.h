@@ -5,6 +5,7 @@
 
 #include <optional>
 #include <span>
+#include <utility>
 #include <vector>
 
 namespace spc {
@@ -60,8 +61,11 @@ public:
 
     // Overall figures of a plain list of values (no subgroups, so no σ within): σ
     // overall, Pp, Ppk and the out-of-specification share. enoughData needs two values.
-    static CapabilityFigures overall(const std::vector<double> &values,
-                                     const SpecificationLimits &limits);
+    // A long run keeps its oldest values only as a tally of value and count; they count
+    // as many times as they were seen.
+    static CapabilityFigures overall(std::span<const double> values,
+                                     const SpecificationLimits &limits,
+                                     std::span<const std::pair<double, qint64>> tallied = {});
 };
 
 } // namespace spc

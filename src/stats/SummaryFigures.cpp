@@ -44,6 +44,8 @@ SummaryFigures SummaryFigures::fromDataset(const Dataset &dataset)
 
     const bool hasLower = dataset.LimitFlags & Dataset::kLowerSpecLimit;
     const bool hasUpper = dataset.LimitFlags & Dataset::kUpperSpecLimit;
+    figures.HasLSL = hasLower;
+    figures.HasUSL = hasUpper;
     if (hasLower && hasUpper) {
         figures.LSL = dataset.LowerSpecLimit;
         figures.USL = dataset.UpperSpecLimit;

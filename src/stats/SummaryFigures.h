@@ -17,6 +17,10 @@ struct SummaryFigures
     QString Title;
     double USL = 0;
     double LSL = 0;
+    // Whether the characteristic has the limit; one it lacks stands at the end of the
+    // values in USL or LSL.
+    bool HasUSL = false;
+    bool HasLSL = false;
     double WarningUpper = 0;
     double WarningLower = 0;
     double Minimum = 0;

@@ -49,6 +49,7 @@ private slots:
         const MeasurementSystem metric = MeasurementSystem::Metric;
         const MeasurementSystem us = MeasurementSystem::US;
         QTest::newRow("metric, all kept") << metric << Dataset::kDefaultValueBound << false;
+        QTest::newRow("metric, oldest folded") << metric << qint64(1500) << false;
         QTest::newRow("US, oldest folded") << us << qint64(1500) << false;
         QTest::newRow("US, all sealed blocks folded") << us << qint64(0) << false;
         QTest::newRow("metric, a value off the step") << metric << qint64(1500) << true;

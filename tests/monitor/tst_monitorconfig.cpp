@@ -158,11 +158,10 @@ private slots:
         QTest::newRow("in order")
             << "<List Index=\"0\" ItemData=\"4\"/><List Index=\"7\" ItemData=\"1\"/>"
             << QList<int>{4, 0, 0, 0, 0, 0, 0, 1};
-        QTest::newRow("beyond the rows")
+        QTest::newRow("beyond the rows, unknown characteristic")
             << "<List Index=\"8\" ItemData=\"4\"/><List Index=\"-1\" ItemData=\"2\"/>"
+               "<List Index=\"2\" ItemData=\"9\"/>"
             << QList<int>{0, 0, 0, 0, 0, 0, 0, 0};
-        QTest::newRow("unknown characteristic")
-            << "<List Index=\"2\" ItemData=\"9\"/>" << QList<int>{0, 0, 0, 0, 0, 0, 0, 0};
         QTest::newRow("later wins")
             << "<List Index=\"2\" ItemData=\"5\"/><List Index=\"2\" ItemData=\"6\"/>"
             << QList<int>{0, 0, 6, 0, 0, 0, 0, 0};

@@ -319,19 +319,6 @@ private slots:
         QTRY_COMPARE_WITH_TIMEOUT(f.socket->connects.size(), 2, 2000);
     }
 
-    void runTimeText()
-    {
-        QCOMPARE(EquipmentMonitor::GetRunTimeText(3661), QStringLiteral("01:01:01"));
-        MonitorFixture f;
-        f.clock.set(at(8, 0));
-        start(f);
-        f.clock.set(at(8, 0).addSecs(25 * 3600));
-        f.socket->deliver(SampleWelds::stream(1));
-        f.clock.advanceSeconds(600); // the run time stands still between welds
-        QCOMPARE(EquipmentMonitor::GetRunTimeText(f.monitor->elapsedSeconds()),
-                 QStringLiteral("25:00:00"));
-    }
-
     void lifecycle()
     {
         MonitorFixture a;
@@ -357,6 +344,19 @@ private slots:
         QCOMPARE(a.monitor->alarmsText(), QString());
         QVERIFY(a.monitor->displayItemsEnabled());
         QVERIFY(!a.monitor->timerActive());
+    }
+
+    void runTimeText()
+    {
+        QCOMPARE(EquipmentMonitor::GetRunTimeText(3661), QStringLiteral("01:01:01"));
+        MonitorFixture f;
+        f.clock.set(at(8, 0));
+        start(f);
+        f.clock.set(at(8, 0).addSecs(25 * 3600));
+        f.socket->deliver(SampleWelds::stream(1));
+        f.clock.advanceSeconds(600); // the run time stands still between welds
+        QCOMPARE(EquipmentMonitor::GetRunTimeText(f.monitor->elapsedSeconds()),
+                 QStringLiteral("25:00:00"));
     }
 };
 

@@ -332,39 +332,6 @@ private slots:
         QCOMPARE(consumed, 0);
     }
 
-    // A negative length in a frame of another function is not guarded against: the end
-    // marker is looked for in front of the frame. That must end in an error, or in a
-    // frame taken from the bytes in front, never in a read outside the buffer.
-    void negativeLengthOfOtherFunction_data()
-    {
-        QTest::addColumn<QByteArray>("lead");
-        QTest::addColumn<qint16>("length");
-        QTest::addColumn<qint32>("number");
-        QTest::newRow("before the buffer")
-            << QByteArray() << qint16(-100) << ProgramError::kSubscriptOutOfRange;
-        QTest::newRow("minus one") << QByteArray() << qint16(-1) << kProgramError;
-        QTest::newRow("inside the frame") << QByteArray() << qint16(-3) << kProgramError;
-        QTest::newRow("inside the garbage in front")
-            << bytes({0x20, 0x21, 0x22, 0x23, 0x24, 0x25, 0x26, 0x27}) << qint16(-8)
-            << kProgramError;
-    }
-
-    void negativeLengthOfOtherFunction()
-    {
-        QFETCH(QByteArray, lead);
-        QFETCH(qint16, length);
-        QFETCH(qint32, number);
-        const QByteArray frame = Function26Frame::encodeFrame(5, QByteArray(10, '\x01'), length);
-        const QByteArray stream = lead + frame + bytes({0});
-        ReceiveBuffer buffer(stream);
-        const auto error = refusal([&] { m_parser.GetFunction(buffer); });
-        QVERIFY2(error, "a negative length was accepted");
-        QCOMPARE(error->number(), number);
-        QVERIFY2(error->source().endsWith(QLatin1String("CorvaneParser.GetFunction")),
-                 qPrintable(error->source()));
-        QCOMPARE(buffer.toByteArray(), stream);
-    }
-
     // However the link splits a stream into arrivals, the records are those of one read.
     void splitReadsGiveTheSameRecords()
     {
@@ -398,6 +365,39 @@ private slots:
             if (records != expected)
                 QFAIL(qPrintable(QStringLiteral("pieces of %1 bytes differ").arg(piece)));
         }
+    }
+
+    // A negative length in a frame of another function is not guarded against: the end
+    // marker is looked for in front of the frame. That must end in an error, or in a
+    // frame taken from the bytes in front, never in a read outside the buffer.
+    void negativeLengthOfOtherFunction_data()
+    {
+        QTest::addColumn<QByteArray>("lead");
+        QTest::addColumn<qint16>("length");
+        QTest::addColumn<qint32>("number");
+        QTest::newRow("before the buffer")
+            << QByteArray() << qint16(-100) << ProgramError::kSubscriptOutOfRange;
+        QTest::newRow("minus one") << QByteArray() << qint16(-1) << kProgramError;
+        QTest::newRow("inside the frame") << QByteArray() << qint16(-3) << kProgramError;
+        QTest::newRow("inside the garbage in front")
+            << bytes({0x20, 0x21, 0x22, 0x23, 0x24, 0x25, 0x26, 0x27}) << qint16(-8)
+            << kProgramError;
+    }
+
+    void negativeLengthOfOtherFunction()
+    {
+        QFETCH(QByteArray, lead);
+        QFETCH(qint16, length);
+        QFETCH(qint32, number);
+        const QByteArray frame = Function26Frame::encodeFrame(5, QByteArray(10, '\x01'), length);
+        const QByteArray stream = lead + frame + bytes({0});
+        ReceiveBuffer buffer(stream);
+        const auto error = refusal([&] { m_parser.GetFunction(buffer); });
+        QVERIFY2(error, "a negative length was accepted");
+        QCOMPARE(error->number(), number);
+        QVERIFY2(error->source().endsWith(QLatin1String("CorvaneParser.GetFunction")),
+                 qPrintable(error->source()));
+        QCOMPARE(buffer.toByteArray(), stream);
     }
 };
 

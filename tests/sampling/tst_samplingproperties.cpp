@@ -124,7 +124,6 @@ private slots:
         QTest::newRow("words in any case")
             << "EnableAlarmLogging=\"fALSE\" SubgroupSize=\" 42 \"" << false << 42 << 0;
         QTest::newRow("other numbers") << "EnableAlarmLogging=\"-1\"" << true << 5 << 0;
-        QTest::newRow("unknown word keeps") << "EnableAlarmLogging=\"yes\"" << true << 5 << 0;
         QTest::newRow("fraction rounds") << "SubgroupSize=\"2.5\"" << true << 2 << 0;
         QTest::newRow("not a number") << "EnableAlarmLogging=\"False\" SubgroupSize=\"five\""
                                       << false << 5 << int(ProgramError::kTypeMismatch);

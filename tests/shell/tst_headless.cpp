@@ -1,6 +1,7 @@
 #include "HeadlessEnvironment.h"
 #include "ProgramRun.h"
 #include "SmallDisk.h"
+#include "SpcBaseline.h"
 
 #include "platform/qlxLanguage.h"
 #include "protocol/AlarmCodes.h"
@@ -533,19 +534,7 @@ private slots:
     {
         QTemporaryDir folder;
         const QString dsn = folder.filePath("plant.db");
-        QByteArray baseline = "subgroup,date_time,part_group,part,process_group,process,"
-                              "source_tag,value_count,test_item,kind,sample_number,value,text\r\n";
-        const int offsets[5] = {-12, -5, 0, 6, 11};
-        for (int s = 0; s < 10; ++s)
-            for (int i = 0; i < 5; ++i)
-                baseline += QStringLiteral("%1,2026-11-01T%2:00:00,,Housing,,Seal weld,Corvane,"
-                                           "5,Energy,1,%3,%4,\r\n")
-                                .arg(s + 1)
-                                .arg(s + 8, 2, 10, QLatin1Char('0'))
-                                .arg(i + 1)
-                                .arg(500 + offsets[(i + s) % 5] + (s % 3))
-                                .toUtf8();
-        QVERIFY(spc(dsn, {"import", "-"}, nullptr, baseline));
+        QVERIFY(spc(dsn, {"import", "-"}, nullptr, spcBaselineReport()));
         QVERIFY(spc(dsn, {"freeze-limits", "--part", "Housing", "--process", "Seal weld", "--test",
                           "Energy", "--baseline", "10"}));
 

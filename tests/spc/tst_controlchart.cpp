@@ -1,3 +1,4 @@
+#include "spc/ChartLines.h"
 #include "spc/ControlChart.h"
 
 #include <QTest>
@@ -215,6 +216,37 @@ private slots:
         request.rules = others;
         QVERIFY(
             !ControlChart::build(subgroupsOf(data), request).points.back().xRules.contains(rule));
+    }
+
+    // The drawn limit lines keep a point only where the limit changes, with the point
+    // before it, so that a step centred between two points stands where the size changed;
+    // a subgroup of one value leaves a gap in the lower chart's lines only.
+    void limitLinesStepWhereTheSizeChanges()
+    {
+        const Chart chart = ControlChart::build(
+            subgroupsOf({{10, 12, 11, 13, 9},
+                         {11, 11, 12, 10, 11},
+                         {12, 14, 13, 11, 10},
+                         {11, 12, 10},
+                         {14},
+                         {9, 10, 11, 10, 10},
+                         {11, 12, 11, 10, 10}}),
+            ChartRequest{});
+        const ChartLines lines = ChartLines::of(chart);
+        const auto keysOf = [&](std::initializer_list<int> points) {
+            std::vector<double> keys;
+            for (int i : points)
+                keys.push_back(ChartLines::keyOf(chart.points[std::size_t(i)].dateTime));
+            return keys;
+        };
+        QCOMPARE(lines.x.keys, keysOf({0, 1, 2, 3, 4, 5, 6}));
+        QCOMPARE(lines.xUpper.keys, keysOf({0, 2, 3, 4, 5, 6}));
+        QCOMPARE(lines.xUpper.values[1], chart.points[2].xUpper);
+        QCOMPARE(lines.xUpper.values[2], chart.points[3].xUpper);
+        QCOMPARE(lines.xCentre.keys, keysOf({0, 6}));
+        QCOMPARE(lines.spread.keys, keysOf({0, 1, 2, 3, 5, 6}));
+        QCOMPARE(lines.spreadUpper.keys, keysOf({0, 2, 3, 5, 6}));
+        QCOMPARE(ChartLines::timeOf(lines.x.keys[3]), chart.points[3].dateTime);
     }
 };
 

@@ -125,6 +125,19 @@ private slots:
         dataset.Decimals = decimals;
         QCOMPARE(dataset.NumberFormat(), expected);
     }
+
+    // Past the sealed blocks of the store, in the open block and on either side of a
+    // block's end, every value reads back as it was added.
+    void manyValuesReadBack()
+    {
+        RecordingErrorReport errors;
+        Dataset dataset(errors);
+        for (int i = 0; i < 5000; ++i)
+            dataset.AddValue(i * 0.5);
+        QCOMPARE(dataset.Count(), 5000);
+        for (const int n : {1, 1024, 1025, 4096, 4097, 5000})
+            QCOMPARE(dataset.GetValue(n), (n - 1) * 0.5);
+    }
 };
 
 CORVANE_TEST_SUITE(TestDataset)

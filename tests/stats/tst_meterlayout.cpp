@@ -102,22 +102,6 @@ private slots:
                  1.1);
     }
 
-    void keepInsideBar_data()
-    {
-        QTest::addColumn<double>("left");
-        QTest::addColumn<double>("kept");
-        QTest::newRow("negative edge to 0") << -0.5 << 0.0;
-        QTest::newRow("right edge on the bar's end stays") << 429.0 << 429.0;
-        QTest::newRow("right edge past the end") << 429.5 << 426.0;
-    }
-
-    void keepInsideBar()
-    {
-        QFETCH(double, left);
-        QFETCH(double, kept);
-        QCOMPARE(MeterLayout::keepInsideBar(left, kMarkerWidth, 440), kept);
-    }
-
     // A value far outside the limits pins its marker to the bar's edge instead of
     // leaving the control; so do infinite values.
     void valuesOutsideTheLimitsArePinned()
@@ -155,6 +139,23 @@ private slots:
         layout.place(input(440, 0, 10, 5, 2.5, 5, 7.5));
         layout.place(input(440, 0, 10, std::nan(""), 1, 1, 1));
         QCOMPARE(lefts(layout).first(2), (QList{214.5, 54.5}));
+    }
+
+    void keepInsideBar_data()
+    {
+        QTest::addColumn<double>("left");
+        QTest::addColumn<double>("kept");
+        QTest::newRow("inside") << 100.0 << 100.0;
+        QTest::newRow("negative edge to 0") << -0.5 << 0.0;
+        QTest::newRow("right edge on the bar's end stays") << 429.0 << 429.0;
+        QTest::newRow("right edge past the end") << 429.5 << 426.0;
+    }
+
+    void keepInsideBar()
+    {
+        QFETCH(double, left);
+        QFETCH(double, kept);
+        QCOMPARE(MeterLayout::keepInsideBar(left, kMarkerWidth, 440), kept);
     }
 };
 

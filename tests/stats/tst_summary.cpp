@@ -11,6 +11,8 @@
 #include <QLabel>
 #include <QTest>
 
+#include <cmath>
+
 namespace {
 
 QString labelText(const dlgSummary &dialog, const char *name)
@@ -243,6 +245,41 @@ private slots:
         QVERIFY(errors.isEmpty());
         QCOMPARE(labelText(*dialog, "lblCountLSL"), QStringLiteral("2"));
         QCOMPARE(labelText(*dialog, "lblCountUSL"), QStringLiteral("0"));
+    }
+
+    void overallCapabilityOfTheValues_data()
+    {
+        QTest::addColumn<int>("flags");
+        QTest::addColumn<QString>("pp");
+        QTest::addColumn<QString>("ppk");
+        // Values 5 3 7 4 6 8: mean 5.5, sample σ √3.5; limits 4 .. 6 where flagged. Pp is
+        // 2 / 6σ, Ppk the nearer limit's distance over 3σ; one limit gives that side only.
+        const double sigma = std::sqrt(3.5);
+        const auto text = [](double v) { return QString::number(v, 'f', 3); };
+        QTest::newRow("both limits")
+            << (2 | 32) << text(2 / (6 * sigma)) << text(0.5 / (3 * sigma));
+        QTest::newRow("lower limit only") << 32 << QString() << text(1.5 / (3 * sigma));
+        QTest::newRow("upper limit only") << 2 << QString() << text(0.5 / (3 * sigma));
+        QTest::newRow("no limits") << 0 << QString() << QString();
+    }
+
+    void overallCapabilityOfTheValues()
+    {
+        QFETCH(int, flags);
+        QFETCH(QString, pp);
+        QFETCH(QString, ppk);
+        RecordingErrorReport errors;
+        Dataset dataset(errors);
+        dataset.Decimals = QStringLiteral("3");
+        fillDataset(dataset, flags, {5, 3, 7, 4, 6, 8});
+        qlxLanguage language;
+        const auto dialog = dlgSummary::fromDataset(dataset, language, errors);
+        dialog->setLocale(QLocale::c());
+        dialog->Form_Load();
+        QCOMPARE(labelText(*dialog, "lblSigmaOverall"), QStringLiteral("1.871"));
+        QCOMPARE(labelText(*dialog, "lblPp"), pp);
+        QCOMPARE(labelText(*dialog, "lblPpk"), ppk);
+        QVERIFY(errors.isEmpty());
     }
 };
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <QCoreApplication>
 #include <QDir>
 #include <QProcess>
+#include <QTcpServer>
 #include <QTemporaryDir>
 
 // A PostgreSQL server of one test's own on a loopback port, trusting local connections,
@@ -18,7 +18,13 @@ public:
     {
         const QStringList versions =
             QDir("/usr/lib/postgresql").entryList(QDir::Dirs | QDir::NoDotAndDotDot);
-        m_port = 20000 + int(QCoreApplication::applicationPid() % 40000);
+        // A loopback port that is free now, rather than one derived from the process id,
+        // which another run's server or a client's outgoing connection may hold.
+        QTcpServer probe;
+        if (!probe.listen(QHostAddress::LocalHost, 0))
+            return false;
+        m_port = probe.serverPort();
+        probe.close();
         QProcess::execute("chown", {"postgres", m_folder.path()});
         return !versions.isEmpty() &&
                run("/usr/lib/postgresql/" + versions.last() + "/bin/initdb",

@@ -1,5 +1,6 @@
 #include "SpcAnalysis.h"
 
+#include "ChartPicture.h"
 #include "CsvWriter.h"
 #include "SpcTool.h"
 
@@ -122,6 +123,10 @@ Chart SpcAnalysis::chartOf(const SpcCommand &command)
 void SpcAnalysis::chart(const SpcCommand &command)
 {
     const Chart chart = chartOf(command);
+    if (!command.imageFile.isEmpty()) {
+        ChartPicture::write(chart, command.imageFile);
+        return;
+    }
     const bool csv = command.csv;
     const auto number = [csv](double value) {
         return csv ? SpcTool::numberText(value) : rounded(value);

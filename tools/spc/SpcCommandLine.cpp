@@ -43,7 +43,8 @@ const std::array<ActionRule, 14> &actionRules()
          {QStringLiteral("part"), QStringLiteral("process"), QStringLiteral("since"),
           QStringLiteral("csv")}},
         {"chart", SpcCommand::Action::Chart, 0,
-         kCharacteristicOptions + QStringList{"type", "baseline", "frozen", "rules", "csv"}},
+         kCharacteristicOptions +
+             QStringList{"type", "baseline", "frozen", "rules", "csv", "png", "svg"}},
         {"capability", SpcCommand::Action::Capability, 0,
          kCharacteristicOptions + QStringList{"csv"}},
         {"freeze-limits", SpcCommand::Action::FreezeLimits, 0,
@@ -59,13 +60,13 @@ const std::array<ActionRule, 14> &actionRules()
 }
 
 const QStringList kAllOptions = {
-    QStringLiteral("group"),    QStringLiteral("usl"),     QStringLiteral("lsl"),
-    QStringLiteral("uwl"),      QStringLiteral("lwl"),     QStringLiteral("clear"),
-    QStringLiteral("part"),     QStringLiteral("process"), QStringLiteral("since"),
-    QStringLiteral("csv"),      QStringLiteral("test"),    QStringLiteral("until"),
-    QStringLiteral("type"),     QStringLiteral("baseline"), QStringLiteral("frozen"),
-    QStringLiteral("rules"),    QStringLiteral("outbox"),  QStringLiteral("flush"),
-    QStringLiteral("discard")};
+    QStringLiteral("group"),   QStringLiteral("usl"),      QStringLiteral("lsl"),
+    QStringLiteral("uwl"),     QStringLiteral("lwl"),      QStringLiteral("clear"),
+    QStringLiteral("part"),    QStringLiteral("process"),  QStringLiteral("since"),
+    QStringLiteral("csv"),     QStringLiteral("test"),     QStringLiteral("until"),
+    QStringLiteral("type"),    QStringLiteral("baseline"), QStringLiteral("frozen"),
+    QStringLiteral("rules"),   QStringLiteral("outbox"),   QStringLiteral("flush"),
+    QStringLiteral("discard"), QStringLiteral("png"),      QStringLiteral("svg")};
 
 bool isFlag(const QString &name)
 {
@@ -119,6 +120,21 @@ bool readLimits(const QCommandLineParser &parser, SpcCommand &command, QString &
     return errorText.isEmpty();
 }
 
+// chart --png FILE or --svg FILE: the picture instead of the figures.
+bool readImageFile(const QCommandLineParser &parser, SpcCommand &command, QString &errorText)
+{
+    const bool png = parser.isSet(QStringLiteral("png"));
+    const bool svg = parser.isSet(QStringLiteral("svg"));
+    if (png && svg)
+        errorText = QStringLiteral("chart draws either --png or --svg");
+    else if ((png || svg) && command.csv)
+        errorText = QStringLiteral("chart writes either --csv or a picture");
+    command.imageFile = png   ? parser.value(QStringLiteral("png"))
+                        : svg ? parser.value(QStringLiteral("svg"))
+                              : QString();
+    return errorText.isEmpty();
+}
+
 bool isAnalysis(SpcCommand::Action action)
 {
     return action == SpcCommand::Action::Chart || action == SpcCommand::Action::Capability ||
@@ -152,6 +168,8 @@ bool readAnalysis(const QCommandLineParser &parser, SpcCommand &command, QString
         }
     }
     command.frozen = parser.isSet(QStringLiteral("frozen"));
+    if (!readImageFile(parser, command, errorText))
+        return false;
     if (parser.isSet(QStringLiteral("rules"))) {
         const std::optional<spc::RuleSet> rules =
             spc::RuleSet::parse(parser.value(QStringLiteral("rules")));
@@ -199,7 +217,7 @@ QString SpcCommandLine::usage()
         "  subgroups [--part P] [--process P] [--since ISO-DATE] [--csv]\n"
         "  chart --part P --process Q --test T [--since D] [--until D]\n"
         "        [--type xbar-r|xbar-s|i-mr] [--baseline K | --frozen] [--rules 1,2,3,5]\n"
-        "        [--csv]\n"
+        "        [--csv | --png FILE | --svg FILE]\n"
         "  capability --part P --process Q --test T [--since D] [--until D] [--csv]\n"
         "  freeze-limits --part P --process Q --test T (--baseline K | --since D --until D)\n"
         "        [--type xbar-r|xbar-s|i-mr]\n"

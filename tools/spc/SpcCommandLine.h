@@ -54,6 +54,8 @@ struct SpcCommand
     // The first this many subgroups of the window are the baseline.
     std::optional<int> baseline;
     bool frozen = false;
+    // chart: the PNG or SVG file to draw the charts into (by its suffix); empty: figures.
+    QString imageFile;
     spc::RuleSet rules = spc::RuleSet::defaults();
     // outbox: the outbox file, and what to do with its subgroups besides listing them.
     QString outboxPath;

@@ -11,10 +11,14 @@
 #include "platform/spc/SqlDatabase.h"
 
 #include <QCoreApplication>
+#ifdef CORVANE_HAVE_CHARTS
+#include <QApplication>
+#endif
 #include <QDir>
 #include <QTextStream>
 
 #include <cstdio>
+#include <memory>
 
 namespace {
 
@@ -29,11 +33,35 @@ int failed(const QString &message)
     return kFailed;
 }
 
+#ifdef CORVANE_HAVE_CHARTS
+bool drawsPicture(int argc, char *argv[])
+{
+    for (int i = 1; i < argc; ++i)
+        if (qstrcmp(argv[i], "--png") == 0 || qstrcmp(argv[i], "--svg") == 0 ||
+            qstrncmp(argv[i], "--png=", 6) == 0 || qstrncmp(argv[i], "--svg=", 6) == 0)
+            return true;
+    return false;
+}
+#endif
+
+std::unique_ptr<QCoreApplication> applicationFor(int &argc, char *argv[])
+{
+#ifdef CORVANE_HAVE_CHARTS
+    if (drawsPicture(argc, argv)) {
+        if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+            qputenv("QT_QPA_PLATFORM", "offscreen");
+        return std::make_unique<QApplication>(argc, argv);
+    }
+#endif
+    return std::make_unique<QCoreApplication>(argc, argv);
+}
+
 } // namespace
 
 int main(int argc, char *argv[])
 {
-    QCoreApplication app(argc, argv);
+    // Drawing a chart into a picture needs the widgets' application, without a screen.
+    const std::unique_ptr<QCoreApplication> app = applicationFor(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("corvane-spc"));
     // The same report and CSV bytes on every platform.
     useBinaryStandardStreams();

@@ -269,6 +269,13 @@ void CorvaneUsw::bnSetup_Click(int row)
         dlgSummary *summary =
             dlgSummary::fromDataset(dataset, m_monitor.language(), m_errors, this).release();
         summary->setAttribute(Qt::WA_DeleteOnClose);
+        // The chart reads the SPC database that the monitor samples into: without
+        // sampling there is none.
+        if (m_openControlChart && !m_monitor.sampling().DataSourceName().isEmpty())
+            summary->setControlChartOpener([this, summary, test = dataset.Name] {
+                summary->accept();
+                m_openControlChart(test, this);
+            });
         summary->open();
     });
 }

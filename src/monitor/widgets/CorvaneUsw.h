@@ -7,6 +7,7 @@
 #include <QWidget>
 
 #include <array>
+#include <functional>
 
 class AlarmListModel;
 class Dataset;
@@ -50,6 +51,11 @@ public:
     // The engineer's commands.
     void cboCharacteristic_Click(int row);
     void bnSetup_Click(int row);
+
+    // Opens the control chart of a characteristic (its test name) from the SPC database
+    // the monitor samples into; without one the summary offers no chart.
+    using ControlChartOpener = std::function<void(const QString &test, QWidget *parent)>;
+    void setControlChartOpener(ControlChartOpener open) { m_openControlChart = std::move(open); }
     void bnPartSelect_Click();
     void bnStartStop_Click();
 
@@ -81,6 +87,7 @@ private:
 
     EquipmentMonitor &m_monitor;
     ErrorReport &m_errors;
+    ControlChartOpener m_openControlChart;
     MonitorControls m_controls;
     AlarmListModel *m_alarmModel = nullptr;
     // The number picture of each row, rebuilt only when a characteristic's format changes.

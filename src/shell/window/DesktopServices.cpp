@@ -68,6 +68,12 @@ MainWindowServices DesktopServices::windowServices()
         .database = m_database,
         .messages = m_messages,
         .eventLog = &m_eventLog,
+#ifdef CORVANE_HAVE_CHARTS
+        .chooseControlChart =
+            [this](const qlxLanguage &language, const QString &dataSource, QWidget *parent) {
+                m_charts.choose(language, dataSource, parent);
+            },
+#endif
     };
 }
 
@@ -82,7 +88,7 @@ MonitorSlot DesktopServices::makeSlot(int slotIndex, const ShellFiles &files,
             SubgroupOutbox::besideConfigurations(files.configurationsPath));
     }
     const auto makeSampling = [this, dataFolder = files.dataFolder] {
-        return std::make_unique<SamplingProperties>(SamplingServices{
+        auto sampling = std::make_unique<SamplingProperties>(SamplingServices{
             .errors = m_errors,
             .clock = m_clock,
             .support = m_database,
@@ -93,6 +99,16 @@ MonitorSlot DesktopServices::makeSlot(int slotIndex, const ShellFiles &files,
             .outbox = m_outbox.get(),
             .eventLog = &m_eventLog,
         });
+#ifdef CORVANE_HAVE_CHARTS
+        // The open charts of the part and process follow each subgroup the database took.
+        QObject::connect(sampling.get(), &SamplingProperties::subgroupCompleted, sampling.get(),
+                         [this](const qlaDatabase6::Subgroup &subgroup, bool queued) {
+                             if (!queued)
+                                 m_charts.subgroupStored(subgroup.header().part,
+                                                         subgroup.header().process);
+                         });
+#endif
+        return sampling;
     };
     auto monitor = std::make_unique<EquipmentMonitor>(MonitorServices{
         .errors = m_errors,
@@ -110,5 +126,12 @@ MonitorSlot DesktopServices::makeSlot(int slotIndex, const ShellFiles &files,
     if (m_broker)
         m_broker->watch(*monitor);
     auto *view = new CorvaneUsw(*monitor, m_errors);
+#ifdef CORVANE_HAVE_CHARTS
+    view->setControlChartOpener(
+        [this, &language, sampling = &monitor->sampling()](const QString &test, QWidget *parent) {
+            m_charts.open(language, sampling->DataSourceName(),
+                          {sampling->Part(), sampling->Process(), test}, parent);
+        });
+#endif
     return {std::make_unique<WindowMonitorSlot>(std::move(monitor), view), view};
 }

@@ -17,6 +17,9 @@
 #include "sampling/DatabaseSupport.h"
 #include "sampling/widgets/SamplingDialogServices.h"
 #include "sampling/widgets/WidgetPartSelector.h"
+#ifdef CORVANE_HAVE_CHARTS
+#include "spc/widgets/ControlChartWindows.h"
+#endif
 
 #include <QRandomGenerator>
 #include <QString>
@@ -76,4 +79,8 @@ private:
     std::unique_ptr<BrokerPublishing> m_broker;
     // Made with the first monitor, beside the configurations file.
     std::unique_ptr<SubgroupOutbox> m_outbox;
+#ifdef CORVANE_HAVE_CHARTS
+    // The control-chart windows, opened from a summary or the Configuration menu.
+    ControlChartWindows m_charts{m_errors, m_messages, m_clock};
+#endif
 };

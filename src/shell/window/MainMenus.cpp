@@ -44,6 +44,7 @@ void MainMenus::build(QMainWindow *window)
     mnuDataLogging = item(mnuConfiguration, "mnuDataLogging");
     mnuConfiguration->addSeparator();
     mnuSPCSampling = item(mnuConfiguration, "mnuSPCSampling");
+    mnuControlChart = item(mnuConfiguration, "mnuControlChart");
     // Start/Stop stands apart at the end so that the settings items keep the positions
     // users know, and F5 reaches it from anywhere.
     mnuConfiguration->addSeparator();
@@ -82,6 +83,7 @@ void MainMenus::translateCaptions(const qlxLanguage &language)
     mnuSettings->setText(caption(u"6336|&Equipment Settings..."));
     mnuDataLogging->setText(caption(u"6335|&Data Logging..."));
     mnuSPCSampling->setText(caption(u"6337|SP&C Sampling..."));
+    mnuControlChart->setText(caption(u"7630|Control C&hart..."));
     showStartStop(language, false);
 
     mnuHelp->setTitle(caption(u"303|&Help"));

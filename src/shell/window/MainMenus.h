@@ -21,6 +21,7 @@ struct MainMenus
     QAction *mnuSettings = nullptr;
     QAction *mnuDataLogging = nullptr;
     QAction *mnuSPCSampling = nullptr;
+    QAction *mnuControlChart = nullptr;
 
     QMenu *mnuHelp = nullptr;
     QAction *mnuContents = nullptr;

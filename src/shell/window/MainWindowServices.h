@@ -61,4 +61,8 @@ struct MainWindowServices
     MeasurementSystem regionalUnits = regionalMeasurementSystem();
     // Where a save that kept an unread original says so.
     EventLog *eventLog = nullptr;
+    // Asks for a part, process and test of the SPC database named by the data source and
+    // opens its control chart; none where the program has no chart window.
+    std::function<void(const qlxLanguage &language, const QString &dataSource, QWidget *parent)>
+        chooseControlChart = {};
 };

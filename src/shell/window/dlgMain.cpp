@@ -97,6 +97,9 @@ void dlgMain::connectCommands()
     on(m_menus.mnuSettings, &dlgMain::mnuSettings_Click);
     on(m_menus.mnuDataLogging, &dlgMain::mnuDataLogging_Click);
     on(m_menus.mnuSPCSampling, &dlgMain::mnuSPCSampling_Click);
+    on(m_menus.mnuControlChart, &dlgMain::mnuControlChart_Click);
+    // A build without the chart window has no item for it.
+    m_menus.mnuControlChart->setVisible(bool(m_services.chooseControlChart));
     on(m_menus.mnuStartStop, &dlgMain::mnuStartStop_Click);
     on(m_menus.mnuContents, &dlgMain::mnuContents_Click);
     on(m_menus.mnuGettingStarted, &dlgMain::mnuGettingStarted_Click);

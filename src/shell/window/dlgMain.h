@@ -72,6 +72,7 @@ public:
     void mnuSettings_Click();
     void mnuDataLogging_Click();
     void mnuSPCSampling_Click();
+    void mnuControlChart_Click();
     void mnuStartStop_Click();
     void mnuContents_Click();
     void mnuGettingStarted_Click();

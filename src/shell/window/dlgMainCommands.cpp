@@ -116,6 +116,19 @@ void dlgMain::mnuSPCSampling_Click()
     });
 }
 
+void dlgMain::mnuControlChart_Click()
+{
+    reportFailures(m_services.errors, "dlgMain.mnuControlChart_Click", [&] {
+        // The database the selected configuration samples into, else the program's own.
+        const int slot = selectedSlot();
+        QString dataSource =
+            slot >= 0 ? m_configurations->monitor(slot).dataSource().name : QString();
+        if (dataSource.isEmpty())
+            dataSource = qlaDatabase6::DataSource::defaultName(m_services.dataFolder);
+        m_services.chooseControlChart(m_language, dataSource, this);
+    });
+}
+
 void dlgMain::mnuStartStop_Click()
 {
     reportFailures(m_services.errors, "dlgMain.mnuStartStop_Click", [&] {

@@ -42,6 +42,8 @@ dlgSplash::dlgSplash(const SettingsStore &settings, QWidget *parent)
     lblVersion = label(this, "lblVersion", QStringLiteral("Version"));
     lblCopyright = label(this, "lblCopyright", QStringLiteral("Copyright"));
     lblPoweredBy = label(this, "lblPoweredBy", QString());
+    lblLicense = label(this, "lblLicense", QString());
+    lblLicense->setWordWrap(true);
 
     bnClose = new QPushButton(this);
     bnClose->setObjectName(QStringLiteral("bnClose"));
@@ -54,6 +56,7 @@ dlgSplash::dlgSplash(const SettingsStore &settings, QWidget *parent)
     lines->addSpacing(8);
     lines->addWidget(lblCopyright);
     lines->addWidget(lblPoweredBy);
+    lines->addWidget(lblLicense);
     lines->addStretch(1);
 
     auto *body = new QHBoxLayout;
@@ -85,4 +88,7 @@ void dlgSplash::Form_Load()
     setWindowTitle(language.Translate(u"762|About Application"));
     bnClose->setText(language.Translate(u"7400|&Close"));
     lblPoweredBy->setText(language.Translate(u"7051|Powered by Meridal"));
+    lblLicense->setText(language.Translate(u"7063|Free software under the GNU General Public "
+                                           u"License, version 3 or later; it comes with no "
+                                           u"warranty. The licence is in the file LICENSE."));
 }

@@ -26,6 +26,7 @@ public:
     QLabel *lblProductName = nullptr;
     QLabel *lblCopyright = nullptr;
     QLabel *lblPoweredBy = nullptr;
+    QLabel *lblLicense = nullptr;
     QPushButton *bnClose = nullptr;
 
 private:

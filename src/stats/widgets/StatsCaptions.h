@@ -18,5 +18,9 @@ inline constexpr QStringView kClose = u"7400|&Close";
 inline constexpr QStringView kNoValuesYet = u"7406|no values yet";
 inline constexpr QStringView kValues = u"7407|Values";
 inline constexpr QStringView kFolded = u"7408|oldest kept as a histogram only";
+inline constexpr QStringView kSigmaOverall = u"7409|σ overall";
+inline constexpr QStringView kPp = u"7410|Pp";
+inline constexpr QStringView kPpk = u"7411|Ppk";
+inline constexpr QStringView kControlChart = u"7412|Control C&hart...";
 
 } // namespace StatsCaptions

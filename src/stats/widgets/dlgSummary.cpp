@@ -6,6 +6,7 @@
 #include "StatsCaptions.h"
 #include "platform/ErrorPassing.h"
 #include "platform/qlxLanguage.h"
+#include "spc/Capability.h"
 #include "stats/NumberPicture.h"
 
 #include <QGridLayout>
@@ -42,8 +43,15 @@ dlgSummary::dlgSummary(const qlxLanguage &language, ErrorReport &errors, QWidget
     m_lblCountUSL = addFigure(QStringLiteral("lblCountUSL"));
     m_lblTotalCaption = addCaption(QStringLiteral("lblTotalCaption"));
     m_lblTotal = addFigure(QStringLiteral("lblTotal"));
+    m_lblSigmaOverallCaption = addCaption(QStringLiteral("lblSigmaOverallCaption"));
+    m_lblSigmaOverall = addFigure(QStringLiteral("lblSigmaOverall"));
+    m_lblPpCaption = addCaption(QStringLiteral("lblPpCaption"));
+    m_lblPp = addFigure(QStringLiteral("lblPp"));
+    m_lblPpkCaption = addCaption(QStringLiteral("lblPpkCaption"));
+    m_lblPpk = addFigure(QStringLiteral("lblPpk"));
 
-    // The running figures on the left, the counts beyond the limits on the right.
+    // The running figures on the left, the counts beyond the limits in the middle, the
+    // overall capability on the right.
     grid->addWidget(m_lblMinimumCaption, 0, 0);
     grid->addWidget(m_lblMinimum, 0, 1);
     grid->addWidget(m_lblAverageCaption, 1, 0);
@@ -56,8 +64,15 @@ dlgSummary::dlgSummary(const qlxLanguage &language, ErrorReport &errors, QWidget
     grid->addWidget(m_lblCountUSL, 1, 4);
     grid->addWidget(m_lblTotalCaption, 2, 3);
     grid->addWidget(m_lblTotal, 2, 4);
+    grid->addWidget(m_lblSigmaOverallCaption, 0, 6);
+    grid->addWidget(m_lblSigmaOverall, 0, 7);
+    grid->addWidget(m_lblPpCaption, 1, 6);
+    grid->addWidget(m_lblPp, 1, 7);
+    grid->addWidget(m_lblPpkCaption, 2, 6);
+    grid->addWidget(m_lblPpk, 2, 7);
     grid->setColumnMinimumWidth(2, 24);
-    grid->setColumnStretch(5, 1);
+    grid->setColumnMinimumWidth(5, 24);
+    grid->setColumnStretch(8, 1);
 
     // How many values the figures cover; in a long run, how many of them only as a tally.
     m_lblCoverage = new QLabel(this);
@@ -73,7 +88,13 @@ dlgSummary::dlgSummary(const qlxLanguage &language, ErrorReport &errors, QWidget
     m_bnClose->setDefault(true);
     connect(m_bnClose, &QPushButton::clicked, this, &dlgSummary::bnClose_Click);
 
+    m_bnControlChart = new QPushButton(this);
+    m_bnControlChart->setObjectName(QStringLiteral("bnControlChart"));
+    m_bnControlChart->setVisible(false);
+    connect(m_bnControlChart, &QPushButton::clicked, this, &dlgSummary::bnControlChart_Click);
+
     auto *buttons = new QHBoxLayout;
+    buttons->addWidget(m_bnControlChart);
     buttons->addStretch(1);
     buttons->addWidget(m_bnClose);
 
@@ -189,6 +210,11 @@ void dlgSummary::Form_Load()
                             .arg(translate(StatsCaptions::kFolded))
                             .arg(m_figures.FoldedCount);
         m_lblCoverage->setText(coverage);
+        m_lblSigmaOverallCaption->setText(translate(StatsCaptions::kSigmaOverall));
+        m_lblPpCaption->setText(translate(StatsCaptions::kPp));
+        m_lblPpkCaption->setText(translate(StatsCaptions::kPpk));
+        m_bnControlChart->setText(translate(StatsCaptions::kControlChart));
+        showCapability();
 
         m_histogram->setAutoRefresh(false);
         m_histogram->setLimits(m_figures.LSL, m_figures.USL);
@@ -204,6 +230,43 @@ void dlgSummary::Form_Load()
         m_histogram->setWarningLowerColor(BgrColor::toColor(BgrColor::kYellow));
         m_histogram->setWarningUpperColor(BgrColor::toColor(BgrColor::kYellow));
         m_histogram->Refresh();
+    });
+}
+
+// Pp and Ppk of every value so far against the limits the characteristic has: with one
+// limit, Ppk is that limit's one-sided index and Pp has no value.
+void dlgSummary::showCapability()
+{
+    spc::SpecificationLimits limits;
+    if (m_figures.HasLSL)
+        limits.lower = m_figures.LSL;
+    if (m_figures.HasUSL)
+        limits.upper = m_figures.USL;
+    std::vector<std::pair<double, qint64>> tallied;
+    tallied.reserve(std::size_t(m_figures.Folded.size()));
+    for (const ValueCount &v : m_figures.Folded)
+        tallied.emplace_back(v.value, v.count);
+    const spc::CapabilityFigures f = spc::Capability::overall(
+        std::span<const double>(m_figures.Values.constData(), m_figures.Values.size()), limits,
+        tallied);
+    const auto number = [this](double value) { return locale().toString(value, 'f', 3); };
+    const NumberPicture picture(m_figures.NumberFormat);
+    m_lblSigmaOverall->setText(f.enoughData ? picture.format(f.sigmaOverall, locale()) : QString());
+    m_lblPp->setText(f.enoughData && f.pp ? number(f.pp->value) : QString());
+    m_lblPpk->setText(f.enoughData && f.ppk ? number(f.ppk->value) : QString());
+}
+
+void dlgSummary::setControlChartOpener(std::function<void()> open)
+{
+    m_openControlChart = std::move(open);
+    m_bnControlChart->setVisible(bool(m_openControlChart));
+}
+
+void dlgSummary::bnControlChart_Click()
+{
+    reportFailures(m_errors, "dlgSummary.bnControlChart_Click", [this] {
+        if (m_openControlChart)
+            m_openControlChart();
     });
 }
 

@@ -4,6 +4,7 @@
 
 #include <QDialog>
 
+#include <functional>
 #include <memory>
 
 class Dataset;
@@ -15,7 +16,8 @@ class qlxLanguage;
 
 // The summary of one characteristic, shown modally from a monitor row: minimum, maximum
 // and average, how many values fell below the lower and above the upper specification
-// limit and their total, and the histogram of all values. The caller sets the figures
+// limit and their total, σ overall, Pp and Ppk of the values against the limits, and the
+// histogram of all values. The caller sets the figures
 // (setFigures, or fromDataset) before the window is shown; the labels are filled once,
 // when it is first shown (Form_Load).
 class dlgSummary : public QDialog
@@ -47,12 +49,18 @@ public:
 
     Histogram *histogram() const { return m_histogram; }
 
+    // Opens the control chart of the characteristic from the SPC database. The button
+    // shows only where the program gives it something to open.
+    void setControlChartOpener(std::function<void()> open);
+    void bnControlChart_Click();
+
 protected:
     void showEvent(QShowEvent *event) override;
 
 private:
     QLabel *addCaption(const QString &objectName);
     QLabel *addFigure(const QString &objectName);
+    void showCapability();
 
     const qlxLanguage &m_language;
     ErrorReport &m_errors;
@@ -72,7 +80,15 @@ private:
     QLabel *m_lblCountLSL = nullptr;
     QLabel *m_lblCountUSL = nullptr;
     QLabel *m_lblTotal = nullptr;
+    QLabel *m_lblSigmaOverallCaption = nullptr;
+    QLabel *m_lblPpCaption = nullptr;
+    QLabel *m_lblPpkCaption = nullptr;
+    QLabel *m_lblSigmaOverall = nullptr;
+    QLabel *m_lblPp = nullptr;
+    QLabel *m_lblPpk = nullptr;
     QLabel *m_lblCoverage = nullptr;
     Histogram *m_histogram = nullptr;
+    QPushButton *m_bnControlChart = nullptr;
     QPushButton *m_bnClose = nullptr;
+    std::function<void()> m_openControlChart;
 };

@@ -139,6 +139,8 @@ private slots:
                      (QList{dataset.Minimum(), dataset.Average(), dataset.LastValue(),
                             dataset.Maximum(), dataset.Minimum(), dataset.Maximum()}));
             QCOMPARE(meter->Unit(), dataset.Unit);
+            QCOMPARE(meter->NumberFormat(), QStringLiteral("0.0000"));
+            QVERIFY(!meter->HideLimitLower() && !meter->HideLimitUpper());
         }
         // Weld 4: energy (1200 + 4) x 0.1 J.
         QCOMPARE(face.lastValue(kEnergy - 1), QLocale().toString(120.4, 'f', 4));
@@ -267,65 +269,6 @@ private slots:
         QCOMPARE(face.label("lblWeldsPerHour"), QStringLiteral("5"));
     }
 
-    void startStopFollowsTheMonitorAndLocksTheRows()
-    {
-        Face face([](qlxLanguage &language) {
-            language.setText(3786, QStringLiteral("&Begin"));
-            language.setText(929, QStringLiteral("&Halt"));
-        });
-        auto *button = face.control<QPushButton>(QStringLiteral("bnStartStop"));
-        auto *part = face.control<QPushButton>(QStringLiteral("bnPartSelect"));
-        const auto selectorsEnabled = [&](bool enabled) {
-            return face.rowControl<QComboBox>("cboCharacteristic", kRows - 1)->isEnabled() ==
-                       enabled &&
-                   part->isEnabled() == enabled;
-        };
-        QCOMPARE(button->text(), QStringLiteral("&Begin"));
-        QVERIFY(selectorsEnabled(true));
-
-        face.view->show();
-        QVERIFY(QTest::qWaitForWindowActive(face.view.get()));
-        // The mnemonic presses the button (which shows the press for a moment first).
-        QTest::keyClick(face.view->windowHandle(), Qt::Key_B, Qt::AltModifier);
-        QTRY_VERIFY(face.fixture.socket && face.fixture.socket->connects.size() == 1);
-        QCOMPARE(button->text(), QStringLiteral("&Halt"));
-        QVERIFY(selectorsEnabled(false));
-
-        QTest::mouseClick(button, Qt::LeftButton);
-        QCOMPARE(button->text(), QStringLiteral("&Begin"));
-        QVERIFY(selectorsEnabled(true));
-    }
-
-    void selectorsAndMonitorAgree()
-    {
-        Face face;
-        face.start();
-        face.arrive(welds(1, 2));
-        auto *selector = face.rowControl<QComboBox>("cboCharacteristic", 3);
-        selector->setCurrentIndex(selector->findData(kEnergy));
-        QCOMPARE(face.monitor().rowSelection(3), kEnergy);
-        QCoreApplication::processEvents();
-        QCOMPARE(face.meter(3)->ValueCurrent(), face.dataset(kEnergy).LastValue());
-
-        // The monitor's configuration chooses rows too, and its shutdown clears them.
-        face.stop();
-        QVERIFY(face.monitor().Load(
-            QStringLiteral("<Configuration><List Index=\"5\" ItemData=\"8\"/></Configuration>")));
-        QCoreApplication::processEvents();
-        QCOMPARE(face.rowControl<QComboBox>("cboCharacteristic", 5)->currentData().toInt(), 8);
-        QVERIFY(face.monitor().ShutDown());
-        QCoreApplication::processEvents();
-        QCOMPARE(face.rowControl<QComboBox>("cboCharacteristic", 5)->currentText(),
-                 QStringLiteral("(none)"));
-        QVERIFY(!face.meter(5)->meterEnabled());
-
-        // A new welder's configuration shows every characteristic in its usual order.
-        QVERIFY(face.monitor().Load(QString()));
-        QCoreApplication::processEvents();
-        for (int row = 0; row < kRows; ++row)
-            QCOMPARE(face.rowControl<QComboBox>("cboCharacteristic", row)->currentData(), row + 1);
-    }
-
     void alarmsListNewestOnTop()
     {
         Face face;
@@ -411,6 +354,66 @@ private slots:
         QCOMPARE(face.label("lblConnection"), QStringLiteral("Connected"));
         QVERIFY(icon->isHidden());
         QVERIFY(face.fixture.errors.isEmpty());
+    }
+
+    void startStopFollowsTheMonitorAndLocksTheRows()
+    {
+        Face face([](qlxLanguage &language) {
+            language.setText(3786, QStringLiteral("&Begin"));
+            language.setText(929, QStringLiteral("&Halt"));
+        });
+        auto *button = face.control<QPushButton>(QStringLiteral("bnStartStop"));
+        auto *part = face.control<QPushButton>(QStringLiteral("bnPartSelect"));
+        const auto selectorsEnabled = [&](bool enabled) {
+            return face.rowControl<QComboBox>("cboCharacteristic", kRows - 1)->isEnabled() ==
+                       enabled &&
+                   part->isEnabled() == enabled;
+        };
+        QCOMPARE(button->text(), QStringLiteral("&Begin"));
+        QVERIFY(selectorsEnabled(true));
+
+        face.view->show();
+        QVERIFY(QTest::qWaitForWindowActive(face.view.get()));
+        // The mnemonic presses the button (which shows the press for a moment first).
+        QTest::keyClick(face.view->windowHandle(), Qt::Key_B, Qt::AltModifier);
+        QTRY_VERIFY(face.fixture.socket && face.fixture.socket->connects.size() == 1);
+        QCOMPARE(button->text(), QStringLiteral("&Halt"));
+        QVERIFY(selectorsEnabled(false));
+
+        QTest::mouseClick(button, Qt::LeftButton);
+        QCOMPARE(button->text(), QStringLiteral("&Begin"));
+        QVERIFY(selectorsEnabled(true));
+    }
+
+    void selectorsAndMonitorAgree()
+    {
+        Face face;
+        face.start();
+        face.arrive(welds(1, 2));
+        auto *selector = face.rowControl<QComboBox>("cboCharacteristic", 3);
+        selector->setCurrentIndex(selector->findData(kEnergy));
+        QCOMPARE(face.monitor().rowSelection(3), kEnergy);
+        QVERIFY(face.view->refreshPending());
+        QCoreApplication::processEvents();
+        QCOMPARE(face.meter(3)->ValueCurrent(), face.dataset(kEnergy).LastValue());
+
+        // The monitor's configuration chooses rows too, and its shutdown clears them.
+        face.stop();
+        QVERIFY(face.monitor().Load(
+            QStringLiteral("<Configuration><List Index=\"5\" ItemData=\"8\"/></Configuration>")));
+        QCoreApplication::processEvents();
+        QCOMPARE(face.rowControl<QComboBox>("cboCharacteristic", 5)->currentData().toInt(), 8);
+        QVERIFY(face.monitor().ShutDown());
+        QCoreApplication::processEvents();
+        QCOMPARE(face.rowControl<QComboBox>("cboCharacteristic", 5)->currentText(),
+                 QStringLiteral("(none)"));
+        QVERIFY(!face.meter(5)->meterEnabled());
+
+        // A new welder's configuration shows every characteristic in its usual order.
+        QVERIFY(face.monitor().Load(QString()));
+        QCoreApplication::processEvents();
+        for (int row = 0; row < kRows; ++row)
+            QCOMPARE(face.rowControl<QComboBox>("cboCharacteristic", row)->currentData(), row + 1);
     }
 
     // The engineer drags the alarms list taller; the height stays with the configuration

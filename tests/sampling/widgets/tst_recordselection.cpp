@@ -92,31 +92,6 @@ private slots:
         QCOMPARE(test.picker->chosenName(), QStringLiteral("BRK-200"));
     }
 
-    void opensOnTheCurrentOneAndChoosesByKeyboardOrMouse()
-    {
-        PickerCase test(RecordKind::Part, {}, QStringLiteral("BRK-200"));
-        QVERIFY(test.connected);
-        QDialog *picker = test.picker.get();
-        QVERIFY(QTest::qWaitForWindowExposed(picker));
-        auto *name = control<QLineEdit>(picker, "txtName");
-        QCOMPARE(currentRow(picker), QStringLiteral("BRK-200"));
-        QCOMPARE(name->text(), QStringLiteral("BRK-200"));
-
-        // Typing replaces the preselected name; Down walks what is shown, up to its end.
-        QTest::keyClicks(name, QStringLiteral("BRK"));
-        for (const char *expected : {"BRK-100", "BRK-200", "BRK-200"}) {
-            QTest::keyClick(name, Qt::Key_Down);
-            QCOMPARE(name->text(), QLatin1String(expected));
-        }
-        auto *list = control<QTreeView>(picker, "lstRecords");
-        const QPoint first = list->visualRect(list->model()->index(0, 0)).center();
-        QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, first);
-        QCOMPARE(name->text(), QStringLiteral("BRK-100"));
-        QTest::mouseDClick(list->viewport(), Qt::LeftButton, {}, first);
-        QCOMPARE(picker->result(), int(QDialog::Accepted));
-        QCOMPARE(test.picker->chosenName(), QStringLiteral("BRK-100"));
-    }
-
     void addsATypedNameAfterConfirmation_data() { addBackendRows(); }
 
     void addsATypedNameAfterConfirmation()

@@ -137,29 +137,6 @@ private slots:
         QCOMPARE(settingsText(*test.sampling), before);
     }
 
-    void numberFieldsTakeDigitsOnly_data()
-    {
-        QTest::addColumn<QByteArray>("field");
-        QTest::newRow("interval") << QByteArray("txtInterval");
-        QTest::newRow("subgroup size") << QByteArray("txtSubgroupSize");
-    }
-
-    void numberFieldsTakeDigitsOnly()
-    {
-        QFETCH(QByteArray, field);
-        DialogCase test;
-        dlgSampling &dialog = test.open();
-        auto *edit = control<QLineEdit>(&dialog, field.constData());
-
-        retype(&dialog, field.constData(), QStringLiteral("1a2"));
-        QCOMPARE(edit->text(), QStringLiteral("12"));
-        QTest::keyClicks(edit, QStringLiteral("-.,x Z"));
-        QCOMPARE(edit->text(), QStringLiteral("12"));
-        QTest::keyClick(edit, Qt::Key_Backspace);
-        QTest::keyClicks(edit, QStringLiteral("09"));
-        QCOMPARE(edit->text(), QStringLiteral("109"));
-    }
-
     void numericValueReadsTheLeadingNumber_data()
     {
         QTest::addColumn<QString>("text");
@@ -167,6 +144,7 @@ private slots:
         QTest::newRow("trailing text") << "12 s" << 12.0;
         QTest::newRow("blanks, fraction") << "  7.5" << 7.5;
         QTest::newRow("sign") << "-3" << -3.0;
+        QTest::newRow("exponent") << "1e3" << 1000.0;
         QTest::newRow("exponent without digits") << "5e" << 5.0;
         QTest::newRow("other script's digits") << QStringLiteral("\u0663") << 0.0;
     }
@@ -176,32 +154,6 @@ private slots:
         QFETCH(QString, text);
         QFETCH(double, value);
         QCOMPARE(NumericEntry::numericValue(text), value);
-    }
-
-    void alarmGroupsFollowTheirSwitch()
-    {
-        DialogCase test;
-        test.fixture.language.setText(6461, QStringLiteral("Overload (translated)"));
-        dlgSampling &dialog = test.open();
-        QStringList captions;
-        const auto enabledCount = [&] {
-            int enabled = 0;
-            captions.clear();
-            for (int index = 0; index < dlgSampling::kAlarmGroupCount; ++index) {
-                auto *box = control<QCheckBox>(&dialog, alarmBox(index).constData());
-                enabled += box->isEnabled();
-                captions.append(box->text());
-            }
-            return enabled;
-        };
-
-        // Logging is off in new settings: the groups start locked.
-        QCOMPARE(enabledCount(), 0);
-        QCOMPARE(captions.at(3), QStringLiteral("Overload (translated)"));
-        tick(&dialog, "chkEnableAlarmLogging");
-        QCOMPARE(enabledCount(), 7);
-        QTest::keyClick(control<QWidget>(&dialog, "chkEnableAlarmLogging"), Qt::Key_Space);
-        QCOMPARE(enabledCount(), 0);
     }
 
     void okCopiesEveryField()
@@ -368,6 +320,29 @@ private slots:
         }
         QCOMPARE(test.sampling->DataSourceName(), chosen);
         QVERIFY(test.fixture.messages.isEmpty());
+    }
+
+    void numberFieldsTakeDigitsOnly_data()
+    {
+        QTest::addColumn<QByteArray>("field");
+        QTest::newRow("interval") << QByteArray("txtInterval");
+        QTest::newRow("subgroup size") << QByteArray("txtSubgroupSize");
+    }
+
+    void numberFieldsTakeDigitsOnly()
+    {
+        QFETCH(QByteArray, field);
+        DialogCase test;
+        dlgSampling &dialog = test.open();
+        auto *edit = control<QLineEdit>(&dialog, field.constData());
+
+        retype(&dialog, field.constData(), QStringLiteral("1a2"));
+        QCOMPARE(edit->text(), QStringLiteral("12"));
+        QTest::keyClicks(edit, QStringLiteral("-.,x Z"));
+        QCOMPARE(edit->text(), QStringLiteral("12"));
+        QTest::keyClick(edit, Qt::Key_Backspace);
+        QTest::keyClicks(edit, QStringLiteral("09"));
+        QCOMPARE(edit->text(), QStringLiteral("109"));
     }
 };
 

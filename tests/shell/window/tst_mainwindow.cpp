@@ -334,7 +334,8 @@ private slots:
                  captions);
         QCOMPARE(menuTree(window.menuBar()->actions()),
                  QStringLiteral("mnuCloseWindow - mnuShutDown mnuAdd mnuRemove - mnuSettings - "
-                                "mnuDataLogging - mnuSPCSampling - mnuStartStop mnuContents "
+                                "mnuDataLogging - mnuSPCSampling mnuControlChart - mnuStartStop "
+                                "mnuContents "
                                 "mnuGettingStarted - mnuAboutApp mnuAboutDB"));
         QCOMPARE(menuTree(menus.mnuPopup->actions()),
                  QStringLiteral("mnuOpenWindow - mnuViewErrorLog - mnuShutDown2"));
