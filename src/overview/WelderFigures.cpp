@@ -3,6 +3,8 @@
 #include "monitor/EquipmentMonitor.h"
 #include "platform/Clock.h"
 
+#include <algorithm>
+
 WelderFigures::WelderFigures(EquipmentMonitor &monitor, const Clock &clock, QObject *parent)
     : QObject(parent)
     , m_monitor(monitor)
@@ -11,6 +13,36 @@ WelderFigures::WelderFigures(EquipmentMonitor &monitor, const Clock &clock, QObj
     connect(&monitor, &EquipmentMonitor::weldProcessed, this, &WelderFigures::addWeld);
     connect(&monitor, &EquipmentMonitor::linkStateChanged, this, &WelderFigures::changed);
     connect(&monitor, &EquipmentMonitor::connectionProblemChanged, this, &WelderFigures::changed);
+    connect(&monitor, &EquipmentMonitor::spcBacklogChanged, this, &WelderFigures::changed);
+    connect(&monitor, &EquipmentMonitor::ruleViolated, this,
+            [this](const RuleViolation &, const QString &text) { addRuleViolation(text); });
+}
+
+int WelderFigures::spcBacklog() const
+{
+    return m_monitor.spcBacklog();
+}
+
+int WelderFigures::ruleViolationsInLastHour() const
+{
+    const QDateTime hourAgo = m_clock.now().addSecs(-kMinutes * 60);
+    return int(std::count_if(m_violations.begin(), m_violations.end(),
+                             [&](const Violation &violation) { return violation.when > hourAgo; }));
+}
+
+QString WelderFigures::lastRuleViolation() const
+{
+    return ruleViolationsInLastHour() > 0 ? m_violations.back().text : QString();
+}
+
+void WelderFigures::addRuleViolation(const QString &text)
+{
+    const QDateTime now = m_clock.now();
+    // Only the last hour is shown: older violations are let go as new ones come.
+    while (!m_violations.empty() && m_violations.front().when <= now.addSecs(-kMinutes * 60))
+        m_violations.pop_front();
+    m_violations.push_back({now, text});
+    emit changed();
 }
 
 LinkState WelderFigures::linkState() const

@@ -16,7 +16,8 @@ class EquipmentMonitor;
 // What the hall overview shows of one welder, kept up to date from its monitor's
 // signals: how many welds it made in the last hour and at what rate, when the last one
 // came, and for each characteristic how many of its recent welds broke its
-// specification or warning limits. Reading costs nothing; the figures change with every weld.
+// specification or warning limits; its SPC backlog and the control-rule violations of the
+// last hour. Reading costs nothing; the figures change with every weld.
 class WelderFigures : public QObject
 {
     Q_OBJECT
@@ -42,6 +43,11 @@ public:
     double weldsPerMinute() const;
     QDateTime lastWeldTime() const;
     const std::vector<Characteristic> &characteristics() const { return m_characteristics; }
+    // Subgroups waiting in the outbox for the SPC database.
+    int spcBacklog() const;
+    // Control-rule violations of the last hour, and the alarms-list line of the newest.
+    int ruleViolationsInLastHour() const;
+    QString lastRuleViolation() const;
 
 signals:
     void changed();
@@ -56,6 +62,7 @@ private:
     static constexpr int kMinutes = 60;
 
     void addWeld();
+    void addRuleViolation(const QString &text);
     qint64 weldsSince(int minutes) const;
     qint64 minuteNow() const;
 
@@ -66,4 +73,10 @@ private:
     // Per characteristic, the breaks of its recent welds: 2 out of specification,
     // 1 warning, 0 inside.
     std::vector<std::deque<quint8>> m_recent;
+    struct Violation
+    {
+        QDateTime when;
+        QString text;
+    };
+    std::deque<Violation> m_violations;
 };

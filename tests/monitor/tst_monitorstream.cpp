@@ -12,6 +12,7 @@
 
 #include <QSignalSpy>
 #include <QTest>
+#include <QTimer>
 
 namespace {
 
@@ -317,6 +318,23 @@ private slots:
         QCOMPARE(f.socket, nullptr); // the link was never touched
         QVERIFY(f.monitor->displayItemsEnabled());
         QCOMPARE(f.dataLogLines().size(), 3); // and no header was written
+    }
+
+    // A power supply that floods its link must not keep the event loop to itself: the
+    // sampling timer and the window get their turn between slices of the arrival, and
+    // every record still arrives.
+    void floodLeavesTheEventLoopItsTurn()
+    {
+        MonitorFixture f;
+        f.configure();
+        constexpr int kWelds = 5000;
+        int weldsWhenTimerRan = -1;
+        QTimer::singleShot(0, f.monitor.get(),
+                           [&] { weldsWhenTimerRan = f.monitor->totalWelds(); });
+        f.monitor->Winsock1_DataArrival(SampleWelds::stream(kWelds));
+        QTRY_COMPARE(f.monitor->totalWelds(), kWelds);
+        QVERIFY2(weldsWhenTimerRan >= 0 && weldsWhenTimerRan < kWelds,
+                 qPrintable(QString::number(weldsWhenTimerRan)));
     }
 };
 

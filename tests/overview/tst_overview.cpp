@@ -4,6 +4,7 @@
 #include "MonitorFixture.h"
 #include "SampleWelds.h"
 
+#include "monitor/SamplingSeam.h"
 #include "overview/widgets/OverviewPage.h"
 #include "overview/widgets/WelderTile.h"
 #include "stats/widgets/BgrColor.h"
@@ -23,6 +24,17 @@ QColor background(QWidget *widget)
 {
     return widget->palette().color(QPalette::Window);
 }
+
+// Sampling whose outbox holds `queued` subgroups and whose next period breaks `pending`.
+class WaitingSampling : public NullSampling
+{
+public:
+    int backlog() const override { return queued; }
+    QList<RuleViolation> takeRuleViolations() override { return std::exchange(pending, {}); }
+
+    int queued = 0;
+    QList<RuleViolation> pending;
+};
 
 } // namespace
 
@@ -103,6 +115,44 @@ private slots:
         QTest::mouseClick(breakingTile, Qt::LeftButton);
         QCOMPARE(chosen.size(), 1);
         QCOMPARE(chosen.first().first().toString(), breaking.monitor->identifier());
+    }
+
+    // A welder whose SPC database is away shows its backlog; a broken control rule stays
+    // on its tile, in red, for an hour.
+    void tilesShowSpcBacklogAndRuleViolations()
+    {
+        WaitingSampling *sampling = nullptr;
+        MonitorFixture f(false, MeasurementSystem::Metric, [&] {
+            auto made = std::make_unique<WaitingSampling>();
+            sampling = made.get();
+            return made;
+        });
+        f.clock.set(QDateTime(QDate(2026, 3, 2), QTime(10, 0)));
+        f.configure();
+        qlxLanguage language;
+        OverviewPage page(f.clock, language);
+        page.addWelder(*f.monitor);
+        page.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&page));
+        QLabel *spc = label(page.tile(f.monitor->identifier()), "lblSpc");
+        QVERIFY(spc->isHidden());
+
+        sampling->queued = 4;
+        emit sampling->backlogChanged(4);
+        QTRY_COMPARE(spc->text(), QStringLiteral("SPC backlog: 4"));
+        QVERIFY(spc->isVisible());
+
+        sampling->pending = {{QStringLiteral("Energy"), 2, false, f.clock.now(), 130.0}};
+        f.monitor->Timer1_Timer();
+        QTRY_VERIFY(spc->text().endsWith(
+            QStringLiteral("1 rule violations in the last hour: Energy - Rule 2: nine points "
+                           "in a row on one side of the centre line")));
+        QCOMPARE(background(spc), BgrColor::toColor(BgrColor::kRed));
+
+        sampling->queued = 0;
+        f.clock.set(f.clock.now().addSecs(3601));
+        emit sampling->backlogChanged(0);
+        QTRY_VERIFY(spc->isHidden());
     }
 };
 

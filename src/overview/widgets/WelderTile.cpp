@@ -3,6 +3,7 @@
 #include "overview/WelderFigures.h"
 
 #include "monitor/EquipmentMonitor.h"
+#include "monitor/widgets/MonitorCaptions.h"
 #include "platform/qlxLanguage.h"
 #include "stats/widgets/BgrColor.h"
 #include "stats/widgets/ScaledFont.h"
@@ -79,6 +80,10 @@ WelderTile::WelderTile(const WelderFigures &figures, const qlxLanguage &language
         layout->addWidget(cell, 4 + i / kColumns, i % kColumns);
         m_characteristics.push_back(cell);
     }
+    m_lblSpc = addLabel(QStringLiteral("lblSpc"), 1.0, true);
+    m_lblSpc->setWordWrap(true);
+    m_lblSpc->setAutoFillBackground(true);
+    layout->addWidget(m_lblSpc, 6, 0, 1, kColumns);
     refresh();
 }
 
@@ -112,7 +117,7 @@ void WelderTile::refresh()
                             .arg(m_language.Translate(u"7552|per minute")));
     const QDateTime last = m_figures.lastWeldTime();
     m_lblLastWeld->setText(
-        m_language.Translate(u"7000|Last weld") + QStringLiteral(": ") +
+        m_language.Translate(MonitorCaptions::kLastWeld) + QStringLiteral(": ") +
         (last.isValid() ? QLocale().toString(last, QLocale::ShortFormat) : QStringLiteral("----")));
 
     const auto &characteristics = m_figures.characteristics();
@@ -131,6 +136,26 @@ void WelderTile::refresh()
         cell->setToolTip(shown.name);
         paintBackground(cell, BgrColor::toColor(cellColor(shown)));
     }
+    refreshSpc();
+}
+
+void WelderTile::refreshSpc()
+{
+    QStringList lines;
+    if (const int backlog = m_figures.spcBacklog(); backlog > 0)
+        lines << m_language.Translate(MonitorCaptions::kSpcBacklog) + QStringLiteral(": ") +
+                     QString::number(backlog);
+    const int violations = m_figures.ruleViolationsInLastHour();
+    if (violations > 0)
+        lines << QStringLiteral("%1 %2: %3")
+                     .arg(violations)
+                     .arg(m_language.Translate(u"7555|rule violations in the last hour"))
+                     .arg(m_figures.lastRuleViolation());
+    m_lblSpc->setText(lines.join(u'\n'));
+    m_lblSpc->setVisible(!lines.isEmpty());
+    // A process out of control is as urgent as a part out of specification.
+    paintBackground(m_lblSpc, violations > 0 ? BgrColor::toColor(BgrColor::kRed)
+                                             : BgrColor::toColor(BgrColor::kYellow));
 }
 
 void WelderTile::mousePressEvent(QMouseEvent *event)

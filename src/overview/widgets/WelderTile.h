@@ -12,7 +12,8 @@ class qlxLanguage;
 // link state, welds in the last hour and rate, the last weld's time, and one cell per
 // characteristic coloured as its meter (red: some of the recent welds were out of
 // specification, yellow: some broke a warning limit, green: all inside) with those
-// counts. A click asks for the welder's own tab.
+// counts; below them the SPC backlog and the control-rule violations of the last hour,
+// when there are any. A click asks for the welder's own tab.
 class WelderTile : public QFrame
 {
     Q_OBJECT
@@ -35,6 +36,7 @@ protected:
 
 private:
     QLabel *addLabel(const QString &objectName, double fontScale, bool bold);
+    void refreshSpc();
 
     const WelderFigures &m_figures;
     const qlxLanguage &m_language;
@@ -42,5 +44,6 @@ private:
     QLabel *m_lblLinkState = nullptr;
     QLabel *m_lblWelds = nullptr;
     QLabel *m_lblLastWeld = nullptr;
+    QLabel *m_lblSpc = nullptr;
     std::vector<QLabel *> m_characteristics;
 };

@@ -8,13 +8,13 @@
 #include <QSqlError>
 #include <QSqlQuery>
 
-#include <atomic>
+#include <QHash>
+#include <QMutex>
+#include <QThread>
 
 namespace qlaDatabase6 {
 
 namespace {
-
-std::atomic<int> g_connectionNumber{0};
 
 QString sqliteOptions()
 {
@@ -28,16 +28,76 @@ QString serverOptions()
     return QStringLiteral("connect_timeout=10;application_name=corvane");
 }
 
+// The monitors of one workstation that store into the same data source share one Qt SQL
+// connection: a hall of five hundred welders must not hold five hundred sessions of the
+// plant's server, which refuses clients beyond its limit. The monitors run in one thread
+// and each store is one synchronous transaction, so they never interleave on it.
+class ConnectionRegistry
+{
+public:
+    static ConnectionRegistry &instance()
+    {
+        static ConnectionRegistry registry;
+        return registry;
+    }
+
+    // The name of the connection to `dsn` for the calling thread; `made` tells whether
+    // it is new and still to be opened.
+    QString acquire(const QString &dsn, bool &made)
+    {
+        const QMutexLocker lock(&m_mutex);
+        const QString key = keyOf(dsn);
+        const auto found = m_current.constFind(key);
+        made = found == m_current.constEnd();
+        const QString name =
+            made ? QStringLiteral("corvane-spc-%1").arg(++m_connectionNumber) : *found;
+        m_current.insert(key, name);
+        ++m_users[name];
+        return name;
+    }
+
+    // Gives up one use of the connection. A broken one (its server gone, its file
+    // deleted, never opened) is no longer handed out; the last user closes it.
+    void release(const QString &dsn, const QString &name, bool broken)
+    {
+        bool last = false;
+        {
+            const QMutexLocker lock(&m_mutex);
+            const QString key = keyOf(dsn);
+            last = --m_users[name] == 0;
+            if (last)
+                m_users.remove(name);
+            if ((broken || last) && m_current.value(key) == name)
+                m_current.remove(key);
+        }
+        if (last) {
+            QSqlDatabase::database(name, false).close();
+            QSqlDatabase::removeDatabase(name);
+        }
+    }
+
+private:
+    static QString keyOf(const QString &dsn)
+    {
+        // Qt SQL connections belong to the thread that made them.
+        return QString::number(quintptr(QThread::currentThread())) + u'|' + dsn;
+    }
+
+    QMutex m_mutex;
+    int m_connectionNumber = 0;
+    QHash<QString, QString> m_current; // thread and data source -> connection name
+    QHash<QString, int> m_users;       // connection name -> monitors using it
+};
+
 } // namespace
 
 SqlDatabase::SqlDatabase(QObject *parent)
     : Database(parent)
-    , m_connectionName(QStringLiteral("corvane-spc-%1").arg(++g_connectionNumber))
 {}
 
 SqlDatabase::~SqlDatabase()
 {
-    dropConnection();
+    dropConnection(Connection::Sound);
 }
 
 void SqlDatabase::setDataSourceName(const QString &dsn)
@@ -56,12 +116,12 @@ bool SqlDatabase::isConnected() const
 void SqlDatabase::fail(const QString &text)
 {
     m_lastError = text;
-    dropConnection();
+    dropConnection(Connection::Broken);
 }
 
 bool SqlDatabase::openConnection()
 {
-    dropConnection();
+    dropConnection(Connection::Sound);
     m_lastError.clear();
     QString problem;
     if (!DataSource::parse(m_dataSourceName, m_source, problem)) {
@@ -80,6 +140,15 @@ bool SqlDatabase::openConnection()
                                      "database file instead")
                           .arg(driver));
         return false;
+    }
+    bool made = false;
+    m_connectionName = ConnectionRegistry::instance().acquire(m_dataSourceName, made);
+    if (!made) {
+        m_database = QSqlDatabase::database(m_connectionName, false);
+        m_open = true;
+        m_reconnect = true;
+        emit connected();
+        return true;
     }
     m_database = QSqlDatabase::addDatabase(driver, m_connectionName);
     if (sqlite) {
@@ -117,17 +186,18 @@ bool SqlDatabase::openConnection()
 void SqlDatabase::closeConnection()
 {
     m_reconnect = false;
-    dropConnection();
+    dropConnection(Connection::Sound);
 }
 
-void SqlDatabase::dropConnection()
+void SqlDatabase::dropConnection(Connection state)
 {
     m_open = false;
-    if (!m_database.isValid())
+    if (m_connectionName.isEmpty())
         return;
-    m_database.close();
     m_database = QSqlDatabase();
-    QSqlDatabase::removeDatabase(m_connectionName);
+    ConnectionRegistry::instance().release(m_dataSourceName, m_connectionName,
+                                           state == Connection::Broken);
+    m_connectionName.clear();
 }
 
 void SqlDatabase::ensureOpen(const char *procedure)
@@ -136,7 +206,7 @@ void SqlDatabase::ensureOpen(const char *procedure)
     // subgroup into the removed file: the connection is made again, which makes the
     // file again.
     if (m_open && m_dialect == Dialect::SQLite && !QFileInfo::exists(m_source.filePath()))
-        dropConnection();
+        dropConnection(Connection::Broken);
     if (m_open)
         return;
     if (m_reconnect && openConnection())
@@ -151,7 +221,7 @@ void SqlDatabase::noteFailure(const ProgramError &error)
 {
     m_lastError = error.description();
     if (m_open && !serverAnswers())
-        dropConnection();
+        dropConnection(Connection::Broken);
 }
 
 bool SqlDatabase::serverAnswers()

@@ -11,8 +11,9 @@
 namespace qlaDatabase6 {
 
 // The SPC database on Qt SQL: a SQLite file on the workstation or the plant-wide
-// PostgreSQL server, by the data source name. Each object has a Qt SQL connection of
-// its own, so several monitors may each hold one.
+// PostgreSQL server, by the data source name. The objects of one thread that name the
+// same data source share one Qt SQL connection, so a workstation holds one session of
+// the server however many welders it watches.
 //
 // A server connection that drops (the server restarted, the network was down) is
 // noticed when a statement fails and the server no longer answers; the connection is
@@ -54,7 +55,7 @@ public:
     QList<ControlLimitRecord> controlLimitHistory(const QString &part, const QString &process,
                                                   const QString &test) override;
 
-    // The name of this object's Qt SQL connection.
+    // The name of the Qt SQL connection this object uses; empty while not connected.
     const QString &connectionName() const { return m_connectionName; }
 
 private:
@@ -66,7 +67,10 @@ private:
     void ensureOpen(const char *procedure);
     void noteFailure(const ProgramError &error);
     bool serverAnswers();
-    void dropConnection();
+    // A broken connection (the server gone, the file deleted, never opened) is not
+    // handed to anyone else; a sound one stays with its other users.
+    enum class Connection { Sound, Broken };
+    void dropConnection(Connection state);
     void fail(const QString &text);
 
     QString m_connectionName;

@@ -47,6 +47,7 @@ public:
     }
 
     QString Part() const override { return part; }
+    int backlog() const override { return queuedSubgroups; }
     bool SelectPart(QObject *owner) override
     {
         chooserOwners.append(owner);
@@ -61,4 +62,6 @@ public:
     // What the engineer picks in the part chooser; empty: the chooser is cancelled.
     QString offeredPart;
     QList<QObject *> chooserOwners;
+    // Subgroups waiting in the outbox for the SPC database.
+    int queuedSubgroups = 0;
 };

@@ -356,6 +356,44 @@ private slots:
         QVERIFY(face.fixture.errors.isEmpty());
     }
 
+    // At the smallest size the face allows, every row is whole and each meter has room
+    // for its two limit labels and its unit; the face fits a 1024 x 768 screen.
+    void legibleAtItsSmallestSize()
+    {
+        Face face;
+        face.view->resize(face.view->minimumSizeHint());
+        QVERIFY(face.view->width() <= 1000 && face.view->height() <= 640);
+        face.view->show();
+        QVERIFY(QTest::qWaitForWindowExposed(face.view.get()));
+        const QFontMetrics metrics = face.meter(0)->fontMetrics();
+        const int labels = metrics.horizontalAdvance(QStringLiteral("-0000.0000 mm/s -0000.0000"));
+        const QWidget *rows = face.control<QWidget>(QStringLiteral("rows"));
+        for (int row = 0; row < kRows; ++row) {
+            HorizontalMeter *meter = face.meter(row);
+            QVERIFY2(meter->width() > labels, qPrintable(QString::number(meter->width())));
+            const QRect area(meter->mapTo(rows, QPoint(0, 0)), meter->size());
+            QVERIFY(rows->rect().contains(area) &&
+                    meter->height() >= meter->minimumSizeHint().height());
+        }
+    }
+
+    // Subgroups waiting for an unreachable SPC database show in the status block with
+    // their count, and the line goes away once they are forwarded.
+    void spcBacklogShowsWhileSubgroupsWait()
+    {
+        Face face;
+        face.view->show();
+        auto *backlog = face.control<QLabel>(QStringLiteral("lblSpcBacklog"));
+        QVERIFY(backlog->isHidden());
+        face.sampling->queuedSubgroups = 3;
+        emit face.sampling->backlogChanged(3);
+        QTRY_VERIFY(backlog->isVisible());
+        QCOMPARE(backlog->text(), QStringLiteral("3"));
+        face.sampling->queuedSubgroups = 0;
+        emit face.sampling->backlogChanged(0);
+        QTRY_VERIFY(backlog->isHidden());
+    }
+
     void startStopFollowsTheMonitorAndLocksTheRows()
     {
         Face face([](qlxLanguage &language) {

@@ -108,13 +108,14 @@ private slots:
                      table);
         QCOMPARE(raw.count(QStringLiteral("schema_version")), 1);
 
-        // A second connection finds the schema in place and leaves it as it is; the two
-        // connections are independent of each other.
+        // A second object finds the schema in place and leaves it as it is; objects on
+        // one data source share one connection, which stays while any of them uses it.
         SqlDatabase writer;
         QVERIFY(connectTo(writer, scratch.dsn()));
         {
             SqlDatabase reader;
             QVERIFY(connectTo(reader, scratch.dsn()));
+            QCOMPARE(reader.connectionName(), writer.connectionName());
             writer.createRecord(RecordKind::Part, QStringLiteral("Housing"));
             QCOMPARE(reader.listRecords(RecordKind::Part).size(), 1);
         }

@@ -496,9 +496,24 @@ private slots:
         };
         QCOMPARE(window.ConfigurationCount(), 2);
         auto *faces = window.findChild<QStackedWidget *>(QStringLiteral("CorvaneUsw1"));
-        QCOMPARE(&qobject_cast<CorvaneUsw *>(faces->currentWidget())->monitor(), &monitorOf(0));
+        auto *face = qobject_cast<CorvaneUsw *>(faces->currentWidget());
+        QCOMPARE(&face->monitor(), &monitorOf(0));
         QCOMPARE(monitorOf(0).configurationName(), QStringLiteral("Press 1"));
         QCOMPARE(monitorOf(0).rowSelection(0), 2);
+
+        // Menu, tabs and a welder's whole face fit a 1024 x 768 screen with a taskbar:
+        // at the smallest size the window allows, every row's meter is inside it.
+        const QSize smallest = window.minimumSizeHint().expandedTo(window.minimumSize());
+        QVERIFY2(
+            smallest.width() <= 1024 && smallest.height() <= 728,
+            qPrintable(QStringLiteral("%1 x %2").arg(smallest.width()).arg(smallest.height())));
+        window.resize(smallest);
+        QTRY_COMPARE(window.size(), smallest);
+        for (int row = 0; row < 8; ++row) {
+            const auto *meter = face->findChild<QWidget *>(QStringLiteral("hmMeter_%1").arg(row));
+            const QRect area(meter->mapTo(&window, QPoint(0, 0)), meter->size());
+            QVERIFY2(window.rect().contains(area), qPrintable(QString::number(row)));
+        }
 
         // F5 starts the selected welder; its power supply sees the connection and sends
         // one weld. While it collects its settings stay closed.
