@@ -156,9 +156,12 @@ def layer_suites(build_dir, tree):
 
 
 def run(cmd, timeout, env=None):
+    # A session of its own: a mutant can make a suite signal its whole process group (a
+    # kill of process 0 when the program it started is already gone), which must end that
+    # run only, not the campaign.
     try:
         return subprocess.run(cmd, cwd=ROOT, capture_output=True, text=True, timeout=timeout,
-                              env=env).returncode
+                              env=env, start_new_session=True).returncode
     except subprocess.TimeoutExpired:
         return "timeout"
 

@@ -292,6 +292,7 @@ private slots:
             set->AddConfiguration(configuration(QLatin1String(name)));
         QSignalSpy current(set.get(), &ConfigurationSet::currentTabChanged);
 
+        QVERIFY_THROWS_EXCEPTION(ProgramError, set->setTabCaption(4, QStringLiteral("E")));
         set->ActivateConfiguration(QStringLiteral("key-2"));
         QCOMPARE(set->currentTab(), 2);
         QCOMPARE(set->GetTab(QString())->caption, QStringLiteral("C"));
@@ -351,6 +352,7 @@ private slots:
             QVERIFY(set.LoadConfigurationFile());
             QCOMPARE(set.tabs().value(0).caption, QStringLiteral("Press 7"));
             QCOMPARE(set.GetConfigurationIndex(set.tabs().first().key), 0);
+            QCOMPARE(set.monitor(0).condition(), WelderCondition::Stopped);
             save(set);
         }
         QVERIFY(errors.isEmpty());

@@ -208,6 +208,22 @@ private slots:
         const QPoint apex(meter.barRect().left() + 840, meter.barRect().bottom() + 1);
         QCOMPARE(image.pixelColor(apex), QColor(Qt::red));
     }
+
+    // In a tall row (a maximised window) the markers grow with the row: three times as
+    // large at 130 pixels, still pinned inside the bar.
+    void tallRowsDrawLargerMarkers()
+    {
+        HorizontalMeter meter;
+        pinCurrentMarker(meter);
+        meter.resize(kWidth, 130);
+        const QImage image = grabImage(meter);
+        const QRect box = meter.markerBox(MeterMarker::Current);
+        QCOMPARE(box.size(),
+                 QSize(3 * HorizontalMeter::kMarkerWidth, 3 * HorizontalMeter::kMarkerHeight));
+        QCOMPARE(box.right(), meter.barRect().left() + kWidth - 4);
+        // The triangle's base row is 27 pixels wide.
+        QCOMPARE(image.pixelColor(box.left() + 29, box.top() + 17), QColor(Qt::red));
+    }
 };
 
 CORVANE_TEST_SUITE(TestHorizontalMeter)

@@ -52,6 +52,8 @@ private slots:
         row("server", {"", "db.plant.local", "", "spc", ""}, "postgresql://db.plant.local/spc");
         row("port and user", {"", "db.plant.local", "5433", "spc", "quality"},
             "postgresql://quality@db.plant.local:5433/spc");
+        row("blank in the database", {"", "db", "", "spc line 2", ""},
+            "postgresql://db/spc%20line%202");
         row("at sign in the user", {"", "db", "", "spc", "jo@plant"},
             "postgresql://jo%40plant@db/spc");
     }
