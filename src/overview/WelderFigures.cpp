@@ -32,7 +32,7 @@ int WelderFigures::ruleViolationsInLastHour() const
 
 QString WelderFigures::lastRuleViolation() const
 {
-    return ruleViolationsInLastHour() > 0 ? m_violations.back().text : QString();
+    return m_violations.empty() ? QString() : m_violations.back().text;
 }
 
 void WelderFigures::addRuleViolation(const QString &text)

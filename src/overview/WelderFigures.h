@@ -45,7 +45,8 @@ public:
     const std::vector<Characteristic> &characteristics() const { return m_characteristics; }
     // Subgroups waiting in the outbox for the SPC database.
     int spcBacklog() const;
-    // Control-rule violations of the last hour, and the alarms-list line of the newest.
+    // Control-rule violations of the last hour, and the alarms-list line of the newest
+    // violation ever seen (of the last hour when that count is not zero).
     int ruleViolationsInLastHour() const;
     QString lastRuleViolation() const;
 

@@ -143,13 +143,19 @@ bool SqlDatabase::openConnection()
     }
     bool made = false;
     m_connectionName = ConnectionRegistry::instance().acquire(m_dataSourceName, made);
-    if (!made) {
+    if (!made)
         m_database = QSqlDatabase::database(m_connectionName, false);
-        m_open = true;
-        m_reconnect = true;
-        emit connected();
-        return true;
-    }
+    else if (!openNewConnection(driver))
+        return false;
+    m_open = true;
+    m_reconnect = true;
+    emit connected();
+    return true;
+}
+
+bool SqlDatabase::openNewConnection(const QString &driver)
+{
+    const bool sqlite = m_dialect == Dialect::SQLite;
     m_database = QSqlDatabase::addDatabase(driver, m_connectionName);
     if (sqlite) {
         m_database.setDatabaseName(m_source.filePath());
@@ -177,9 +183,6 @@ bool SqlDatabase::openConnection()
         fail(error.description());
         return false;
     }
-    m_open = true;
-    m_reconnect = true;
-    emit connected();
     return true;
 }
 

@@ -71,6 +71,9 @@ private:
     // handed to anyone else; a sound one stays with its other users.
     enum class Connection { Sound, Broken };
     void dropConnection(Connection state);
+    // Makes, opens and brings forward the schema of the connection just acquired, which
+    // no other object uses yet.
+    bool openNewConnection(const QString &driver);
     void fail(const QString &text);
 
     QString m_connectionName;
